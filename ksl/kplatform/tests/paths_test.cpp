@@ -1,0 +1,53 @@
+#include "kplatform_paths.h"
+#include "kplatform_special_folders.h"
+#include "scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+using korv::platform::native_path;
+using korv::testing::ScratchRoot;
+
+TEST(NativePath, DriveLettersLandBelowTheRootInLowerCase) {
+    ScratchRoot root;
+    EXPECT_EQ(native_path("C:\\ProgramData\\Korv"), root.path() + "/drive_c/ProgramData/Korv");
+    EXPECT_EQ(native_path("d:/x"), root.path() + "/drive_d/x");
+    EXPECT_EQ(native_path("E:"), root.path() + "/drive_e");
+}
+
+TEST(NativePath, SeparatorsMixAndCollapse) {
+    ScratchRoot root;
+    EXPECT_EQ(native_path("C:\\\\a//b\\/c\\"), root.path() + "/drive_c/a/b/c");
+    EXPECT_EQ(native_path("/tmp\\x"), "/tmp/x");
+    EXPECT_EQ(native_path("rel\\dir/file.ini"), "rel/dir/file.ini");
+    EXPECT_EQ(native_path(""), "");
+}
+
+TEST(NativePath, MissingComponentTakesTheEntryThatMatchesIgnoringCase) {
+    ScratchRoot root;
+    root.write("drive_c/Korv/SP_Support/Load.INI", "x");
+    EXPECT_EQ(native_path("C:\\korv\\SP_SUPPORT\\load.ini"),
+              root.path() + "/drive_c/Korv/SP_Support/Load.INI");
+    // Below a folder that exists under another case, a new name keeps its case.
+    EXPECT_EQ(native_path("c:\\KORV\\NewDir\\New.ini"), root.path() + "/drive_c/Korv/NewDir/New.ini");
+}
+
+TEST(NativePath, ExactCaseWinsOverAnotherMatch) {
+    ScratchRoot root;
+    root.write("drive_c/a/File.txt", "1");
+    root.write("drive_c/a/file.txt", "2");
+    EXPECT_EQ(native_path("C:\\a\\file.txt"), root.path() + "/drive_c/a/file.txt");
+    EXPECT_EQ(native_path("C:\\a\\FILE.txt"), root.path() + "/drive_c/a/File.txt");
+}
+
+TEST(SpecialFolders, AnswerInWindowsFormAndCreateBelowTheRoot) {
+    ScratchRoot root;
+    char path[korv::platform::MAX_PATH];
+    ASSERT_TRUE(korv::platform::SHGetSpecialFolderPathA(
+        nullptr, path, korv::platform::CSIDL_PROGRAM_FILESX86, true));
+    EXPECT_STREQ(path, "C:\\Program Files (x86)");
+    std::string folder;
+    EXPECT_TRUE(korv::platform::special_folder(korv::platform::CSIDL_COMMON_APPDATA, folder));
+    EXPECT_EQ(folder, "C:\\ProgramData");
+    EXPECT_FALSE(korv::platform::special_folder(12345, folder));
+    EXPECT_EQ(native_path("C:\\program files (x86)"), root.path() + "/drive_c/Program Files (x86)");
+}
