@@ -30,6 +30,8 @@
 int _KTrace_TestLevel(const char* module, int level);
 int _KTrace_Location(const char* source_path, int line);
 void _KTrace_Always(const char* format, ...) KORV_PRINTF_LIKE(1, 2);
+// Sets the level of one module for the rest of the run (until reset_log_settings).
+void _KTrace_SetLevel(const char* module, int level);
 
 // Error log.
 void _KErrLog_Location(int unused, const char* source_path, int line);

@@ -170,6 +170,13 @@ int trace_level(const std::string& module) {
     return it == s.module_levels.end() ? s.default_level : it->second;
 }
 
+void set_trace_level(const std::string& module, int level) {
+    std::lock_guard lock(g_mutex);
+    Settings& s = settings();
+    load(s);
+    s.module_levels[module] = level;
+}
+
 } // namespace detail
 
 void set_log_observer(std::function<void(const LogRecord&)> observer) {

@@ -17,5 +17,6 @@ void write_record(const LogRecord& record);
 // The trace level that applies to `module`: KORV_TRACE holds a default level
 // and/or "module=level" pairs, separated by commas; the default is 3.
 int trace_level(const std::string& module);
+void set_trace_level(const std::string& module, int level);
 
 } // namespace korv::diag::detail

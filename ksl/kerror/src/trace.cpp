@@ -37,3 +37,7 @@ void _KTrace_Always(const char* format, ...) {
     korv::diag::detail::write_record({korv::diag::Channel::Trace, t_pending.module, t_pending.level,
                                       t_pending.source_path, t_pending.line, std::move(text)});
 }
+
+void _KTrace_SetLevel(const char* module, int level) {
+    korv::diag::detail::set_trace_level(module ? module : "", level);
+}

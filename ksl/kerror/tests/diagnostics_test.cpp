@@ -18,6 +18,9 @@ TEST(Trace, LevelsFilterPerModuleAndFormatOnlyWhenActive) {
     KTRACE(2, "kept %d", count());
     EXPECT_TRUE(_KTrace_TestLevel("loud", 5));
     EXPECT_FALSE(_KTrace_TestLevel("other", 3));
+    _KTrace_SetLevel("other", 4);
+    EXPECT_TRUE(_KTrace_TestLevel("other", 4));
+    EXPECT_FALSE(_KTrace_TestLevel("other", 5));
     ASSERT_EQ(log.traces(), std::vector<std::string>{"kept 1"});
     EXPECT_NE(log.records()[0].source_path.find("diagnostics_test.cpp"), std::string::npos);
     EXPECT_EQ(log.records()[0].source_path.front(), 'k') << "source path relative to the tree";
