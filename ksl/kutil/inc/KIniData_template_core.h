@@ -1,0 +1,226 @@
+// The ini container: a line store with an index.
+//
+// Every line of a file is kept as text, so comments, blank lines, spacing around
+// '=' and text behind a section's ']' survive a load and save. Entries are lines
+// that also know where their value starts. Sections live in a sorted map, so a
+// saved file has its sections in sorted order; the lines inside a section keep
+// theirs. The parser is strict: a line it cannot classify makes the load fail.
+//
+// Text is bytes throughout. "long" means 32 bits, whatever the C type is here.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iosfwd>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korv {
+
+// Behaviour bits, fixed at construction.
+inline constexpr std::uint32_t KINI_RELAXED_LINES = 1;    // lines without a name or '=' are entries
+inline constexpr std::uint32_t KINI_REPLACE_SECTIONS = 2; // a repeated header replaces; implies 1
+inline constexpr std::uint32_t KINI_NO_OPEN = 4;      // the path constructor only stores the path
+inline constexpr std::uint32_t KINI_SAVE_FLUSH = 8;   // Save flushes to disk before closing
+inline constexpr std::uint32_t KINI_SAVE_ATOMIC = 16; // Save writes a temporary file and renames
+inline constexpr std::uint32_t KINI_REPLACE_ENTRIES =
+    32; // a repeated entry replaces the earlier one
+inline constexpr std::uint32_t KINI_ALL_FLAGS = 63;
+
+// Blank means blank and tab only.
+inline bool kini_is_blank(char c) {
+    return c == ' ' || c == '\t';
+}
+// First non-blank character of a comment line.
+inline bool is_comment_char(char c) {
+    return c == '#' || c == '*' || c == '/' || c == ';';
+}
+// `text` without its trailing blanks and tabs.
+inline std::string_view kini_trim_right(std::string_view text) {
+    std::size_t end = text.size();
+    while (end > 0 && kini_is_blank(text[end - 1]))
+        --end;
+    return text.substr(0, end);
+}
+
+// Byte-wise unsigned order; at equal common length the shorter name is less. So
+// names are case-sensitive and upper case sorts before lower case.
+struct KIniDataCaseSensitiveCompare {
+    using is_transparent = void;
+    // The container's name as it appears in messages.
+    static constexpr const char* container_name = "KIniDataT<struct KIniDataCaseSensitiveCompare>";
+
+    bool operator()(std::string_view a, std::string_view b) const {
+        const std::size_t common = a.size() < b.size() ? a.size() : b.size();
+        const int order = common ? std::memcmp(a.data(), b.data(), common) : 0;
+        return order != 0 ? order < 0 : a.size() < b.size();
+    }
+};
+
+// One line of a file, without its line ending. Always deleted through the base.
+class KIniDataLine {
+public:
+    KIniDataLine() = default;
+    explicit KIniDataLine(std::string_view text) : line(text) {}
+    virtual ~KIniDataLine() = default;
+    KIniDataLine(const KIniDataLine&) = delete;
+    KIniDataLine& operator=(const KIniDataLine&) = delete;
+
+    std::string line;
+};
+
+// A line that carries a value: everything from value_pos to the end of the line,
+// untrimmed, comments included.
+class KIniDataEntry : public KIniDataLine {
+public:
+    KIniDataEntry(std::string_view text, std::size_t pos) : KIniDataLine(text), value_pos(pos) {}
+
+    std::string_view GetValue() const { return std::string_view(line).substr(value_pos); }
+    bool GetStringValue(std::string& value) const;
+    // strtol base 10 held to 32 bits, strtoll, strtod. The output is written even
+    // without digits; true if at least one character was converted.
+    bool GetLongValue(std::int32_t& value) const;
+    bool GetLongLongValue(std::int64_t& value) const;
+    bool GetDoubleValue(double& value) const;
+    // Replaces the line from value_pos to its end; what stands before stays.
+    void SetValue(std::string_view value);
+
+    std::size_t value_pos;
+};
+
+template <class Compare> class KIniDataT;
+
+// A section. Its own `line` is the header as read; element 0 of line_vec is the
+// section itself, and the section owns every element from 1 on.
+template <class Compare> class KIniDataSectionT : public KIniDataLine {
+public:
+    using EntryMap = std::map<std::string, KIniDataEntry*, Compare>;
+
+    explicit KIniDataSectionT(std::string_view header);
+    ~KIniDataSectionT() override;
+
+    // Lookups remove trailing blanks and tabs from `name`; HasEntry does not.
+    KIniDataEntry* GetEntry(std::string_view name) const;
+    bool HasEntry(std::string_view name) const { return entry_map.find(name) != entry_map.end(); }
+    std::size_t GetEntryCount() const { return entry_map.size(); }
+    void GetEntryNames(std::vector<std::string>& names) const;
+    std::vector<std::string> GetEntryNames() const;
+
+    bool GetStringEntry(std::string_view name, std::string& value) const;
+    bool GetLongEntry(std::string_view name, std::int32_t& value) const;
+    bool GetLongLongEntry(std::string_view name, std::int64_t& value) const;
+    bool GetDoubleEntry(std::string_view name, double& value) const;
+
+    // Replaces the value of an existing entry, or appends "name=value" at the very
+    // end of the section. A name that is a comment is refused.
+    bool SetStringEntry(std::string_view name, std::string_view value);
+    bool SetLongEntry(std::string_view name, std::int32_t value);
+    bool SetLongLongEntry(std::string_view name, std::int64_t value);
+    bool SetDoubleEntry(std::string_view name, double value);
+
+    // Deletes the entry's own line, found by walking the lines; exact name.
+    bool DeleteEntry(std::string_view name);
+
+    EntryMap entry_map;                  // the index; owns nothing
+    std::vector<KIniDataLine*> line_vec; // all lines in file order
+
+private:
+    friend class KIniDataT<Compare>;
+    // Appends "name=value_text"; null if out of memory.
+    KIniDataEntry* add_new_entry(std::string_view name, std::string_view value_text);
+    bool set_entry_text(const char* caller, std::string_view name, std::string_view text);
+};
+
+// The container. Not thread-safe; one thread at a time.
+template <class Compare> class KIniDataT {
+public:
+    using Section = KIniDataSectionT<Compare>;
+    using SectionMap = std::map<std::string, Section*, Compare>;
+
+    explicit KIniDataT(std::uint32_t flags = 0);
+    // Opens the file at once unless KINI_NO_OPEN; a failed Open is logged and the
+    // object stays usable.
+    explicit KIniDataT(const std::string& file_name, std::uint32_t flags = 0);
+    KIniDataT(const KIniDataT& other);
+    KIniDataT& operator=(const KIniDataT& other);
+    // Closes, never saves.
+    ~KIniDataT();
+
+    // A missing file opens as empty; the first Save creates it.
+    bool Open(const std::string& file_name);
+    bool Close();
+    bool Reopen();
+    bool Save();
+
+    // Every line, LF-terminated: the lines before the first section, then the
+    // sections in map order.
+    std::string GetContentString() const;
+    bool SetContentString(std::string_view text);
+
+    bool operator==(const KIniDataT& other) const;
+    bool operator!=(const KIniDataT& other) const { return !(*this == other); }
+
+    bool GetStringEntry(std::string_view section, std::string_view name, std::string& value) const;
+    bool GetLongEntry(std::string_view section, std::string_view name, std::int32_t& value) const;
+    bool GetLongLongEntry(std::string_view section, std::string_view name,
+                          std::int64_t& value) const;
+    bool GetDoubleEntry(std::string_view section, std::string_view name, double& value) const;
+
+    bool HasSection(std::string_view section) const;
+    bool HasEntry(std::string_view section, std::string_view name) const;
+    Section* GetSection(std::string_view section) const;
+    std::size_t GetEntryCount(std::string_view section) const;
+    void GetSectionNames(std::vector<std::string>& names) const;
+    std::vector<std::string> GetSectionNames() const;
+    void GetEntryNames(std::string_view section, std::vector<std::string>& names) const;
+    std::vector<std::string> GetEntryNames(std::string_view section) const;
+
+    bool SetStringEntry(std::string_view section, std::string_view name, std::string_view value);
+    bool SetLongEntry(std::string_view section, std::string_view name, std::int32_t value);
+    bool SetLongLongEntry(std::string_view section, std::string_view name, std::int64_t value);
+    bool SetDoubleEntry(std::string_view section, std::string_view name, double value);
+
+    bool AddSection(std::string_view section);
+    bool DeleteSection(std::string_view section);
+    bool DeleteEntry(std::string_view section, std::string_view name);
+    bool RenameSection(std::string_view old_name, std::string_view new_name);
+
+    bool is_open = false;
+    bool file_missing = true;
+    bool in_sync = false;
+    std::string file_name;
+    std::uint32_t flags;
+    std::vector<KIniDataLine*> line_vec; // lines before the first section; owned
+    SectionMap section_map;              // owned
+    Section* current_section = nullptr;  // the section parse_line is filling
+    std::string error_text;              // the last problem, at most 1023 characters
+
+private:
+    bool parse_line(std::string_view line);
+    bool parse_section_header(std::string_view line);
+    bool parse_entry(std::string_view line, std::size_t first);
+    Section* add_new_section(std::string_view name);
+    void delete_all();
+    void copy_from(const KIniDataT& other, const char* caller);
+    void set_error_text(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    // The common first step of the Set* operations: refuse comments, find or add
+    // the section. Null on failure.
+    Section* section_for_set(const char* operation, const char* comment_operation,
+                             std::string_view section, std::string_view name,
+                             std::string_view message_value);
+};
+
+template <class Compare>
+std::ostream& operator<<(std::ostream& stream, const KIniDataT<Compare>& data);
+
+using KIniDataSection = KIniDataSectionT<KIniDataCaseSensitiveCompare>;
+using KIniData = KIniDataT<KIniDataCaseSensitiveCompare>;
+
+extern template class KIniDataSectionT<KIniDataCaseSensitiveCompare>;
+extern template class KIniDataT<KIniDataCaseSensitiveCompare>;
+extern template std::ostream& operator<<(std::ostream&, const KIniData&);
+
+} // namespace korv

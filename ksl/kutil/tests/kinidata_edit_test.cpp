@@ -1,0 +1,257 @@
+// The ini container in memory: reading, setting, deleting and renaming, the
+// behaviour bits, and copies.
+#include "KIniData_template_core.h"
+#include "errtrace.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using korv::KIniData;
+
+namespace {
+
+class KIniDataEdit : public ::testing::Test {
+protected:
+    void SetUp() override { KErrTrace_BeginContext(); }
+    void TearDown() override {
+        KErrTrace_ClearContext();
+        KErrTrace_EndContext();
+    }
+    static std::vector<std::string> trace() { return korv::diag::error_trace_lines(); }
+
+    // A container holding `text`, in sync as if just loaded.
+    static KIniData loaded(const std::string& text, std::uint32_t flags = 0) {
+        KIniData ini(flags);
+        EXPECT_TRUE(ini.SetContentString(text));
+        ini.in_sync = true;
+        return ini;
+    }
+};
+
+TEST_F(KIniDataEdit, ValuesAreReadAsTheyStand) {
+    KIniData ini = loaded("[s]\n"
+                          "a=b=c\n"
+                          "key = 5 ; five\n"
+                          "empty=\n"
+                          "port=12abc\n"
+                          "big=99999999999\n"
+                          "small=-99999999999\n"
+                          "d= 2.5e3x\n"
+                          "two words =x\n"
+                          "Key=upper\n");
+    std::string text;
+    EXPECT_TRUE(ini.GetStringEntry("s", "a", text));
+    EXPECT_EQ(text, "b=c");
+    EXPECT_TRUE(ini.GetStringEntry("s", "key", text));
+    EXPECT_EQ(text, " 5 ; five");
+    EXPECT_TRUE(ini.GetStringEntry("s", "key \t ", text)); // lookups drop trailing blanks
+    EXPECT_FALSE(ini.HasEntry("s", "key "));               // tests don't
+    EXPECT_TRUE(ini.GetStringEntry("s", "two words", text));
+    EXPECT_TRUE(ini.GetStringEntry("s", "Key", text));
+    EXPECT_EQ(text, "upper");
+    EXPECT_TRUE(ini.GetStringEntry("s", "empty", text));
+    EXPECT_EQ(text, "");
+
+    std::int32_t value = 42;
+    EXPECT_FALSE(ini.GetLongEntry("s", "empty", value));
+    EXPECT_EQ(value, 0);
+    EXPECT_TRUE(ini.GetLongEntry("s", "key", value));
+    EXPECT_EQ(value, 5);
+    EXPECT_TRUE(ini.GetLongEntry("s", "port", value));
+    EXPECT_EQ(value, 12);
+    EXPECT_TRUE(ini.GetLongEntry("s", "big", value));
+    EXPECT_EQ(value, INT32_MAX);
+    EXPECT_TRUE(ini.GetLongEntry("s", "small", value));
+    EXPECT_EQ(value, INT32_MIN);
+    std::int64_t wide = 0;
+    EXPECT_TRUE(ini.GetLongLongEntry("s", "big", wide));
+    EXPECT_EQ(wide, 99999999999LL);
+    double real = 0;
+    EXPECT_TRUE(ini.GetDoubleEntry("s", "d", real));
+    EXPECT_EQ(real, 2500.0);
+
+    value = 7;
+    EXPECT_FALSE(ini.GetLongEntry("s", "missing", value));
+    EXPECT_FALSE(ini.GetLongEntry("t", "key", value));
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(ini.GetEntryCount("s"), 9u);
+    EXPECT_EQ(ini.GetEntryCount("t"), 0u);
+    std::vector<std::string> names{"stale"};
+    ini.GetEntryNames("t", names);
+    EXPECT_TRUE(names.empty());
+    EXPECT_EQ(ini.GetEntryNames("s").front(), "Key"); // map order, not file order
+    EXPECT_TRUE(trace().empty());
+}
+
+TEST_F(KIniDataEdit, SettingKeepsWhatStandsBeforeTheValue) {
+    KIniData ini = loaded("[s]\n"
+                          "key = 5 ; five\n"
+                          "; trailing comment\n"
+                          "[z]\n");
+    ASSERT_TRUE(ini.SetLongEntry("s", "key", 7));
+    EXPECT_FALSE(ini.in_sync);
+    ASSERT_TRUE(ini.SetStringEntry("s", "new  ", "v"));
+    ASSERT_TRUE(ini.SetDoubleEntry("m", "d", 0.1));
+    ASSERT_TRUE(ini.SetLongLongEntry("m", "ll", -9000000000LL));
+    ASSERT_TRUE(ini.SetLongEntry("m", "l", INT32_MIN));
+    ASSERT_TRUE(ini.SetStringEntry("m", "lines", "a\nb"));
+    EXPECT_EQ(ini.GetContentString(), "[m]\n"
+                                      "d=0.10000000000000001\n"
+                                      "ll=-9000000000\n"
+                                      "l=-2147483648\n"
+                                      "lines=a\nb\n"
+                                      "[s]\n"
+                                      "key =7\n"
+                                      "; trailing comment\n"
+                                      "new=v\n"
+                                      "[z]\n");
+    ASSERT_TRUE(ini.SetStringEntry("s", "new", "w"));
+    EXPECT_EQ(ini.GetEntryCount("s"), 2u);
+}
+
+TEST_F(KIniDataEdit, CommentNamesAreRefusedByEverySetter) {
+    KIniData ini = loaded("[s]\n");
+    const std::string where = "KIniDataT<struct KIniDataCaseSensitiveCompare>::";
+    EXPECT_FALSE(ini.SetStringEntry("s", ";x", "v"));
+    EXPECT_EQ(ini.error_text, "cannot add comment as an entry: \";x=v\"");
+    EXPECT_EQ(trace().back(), where + "SetStringEntry(): cannot add comment as an entry: \";x=v\"");
+    EXPECT_FALSE(ini.SetLongEntry("s", " #x", 5));
+    EXPECT_EQ(trace().back(), where + "SetLongEntry(): cannot add comment as an entry: \" #x=5\"");
+    EXPECT_FALSE(ini.SetLongLongEntry("s", "\t/x", 6));
+    EXPECT_EQ(trace().back(), where + "SetLongEntry(): cannot add comment as an entry: \"\t/x=6\"");
+    EXPECT_FALSE(ini.SetDoubleEntry("new", "*x", 0.5));
+    EXPECT_EQ(ini.error_text, "cannot add comment as an entry: \"*x=0.5\"");
+    EXPECT_EQ(trace().back(),
+              where + "SetDoubleEntry(): cannot add comment as an entry: \"*x=0.5\"");
+    EXPECT_TRUE(ini.in_sync);
+    EXPECT_FALSE(ini.HasSection("new"));
+    EXPECT_EQ(ini.GetContentString(), "[s]\n");
+}
+
+TEST_F(KIniDataEdit, DeleteEntryTakesOnlyTheEntrysLine) {
+    KIniData ini = loaded("[s]\n; about a\na = 1\nb=2\n");
+    ASSERT_TRUE(ini.DeleteEntry("s", "a"));
+    EXPECT_FALSE(ini.in_sync);
+    EXPECT_EQ(ini.GetContentString(), "[s]\n; about a\nb=2\n");
+    EXPECT_FALSE(ini.HasEntry("s", "a"));
+
+    EXPECT_FALSE(ini.DeleteEntry("s", "b ")); // no trimming here
+    EXPECT_EQ(trace(), (std::vector<std::string>{
+                           "KIniDataSectionT::DeleteEntry(): entry \"b \" not found in entry_map",
+                           "KIniData::DeleteEntry(): KIniDataSectionT::DeleteEntry() failed "
+                           "(\"s\",\"b \")"}));
+    EXPECT_FALSE(ini.DeleteEntry("t", "b"));
+    EXPECT_EQ(trace().back(), "KIniData::DeleteEntry(): section \"t\" not found");
+    EXPECT_TRUE(ini.HasEntry("s", "b"));
+}
+
+TEST_F(KIniDataEdit, DeleteEntryWalkStopsAtLinesItCannotRead) {
+    KIniData ini = loaded("[s]\nbare words\nb=2\n[t]\n=5\nb=2\n", korv::KINI_RELAXED_LINES);
+    EXPECT_FALSE(ini.DeleteEntry("s", "b"));
+    EXPECT_EQ(trace().front(), "KIniDataSectionT::DeleteEntry(): no '=' found in \"bare words\"");
+    EXPECT_FALSE(ini.DeleteEntry("s", "bare words")); // its own line stops the walk
+    EXPECT_FALSE(ini.DeleteEntry("t", "b"));
+    EXPECT_EQ(trace()[4], "KIniDataSectionT::DeleteEntry(): no entry name in \"=5\"");
+    EXPECT_EQ(ini.GetEntryCount("s") + ini.GetEntryCount("t"), 4u);
+}
+
+TEST_F(KIniDataEdit, RenameSectionMovesTheLinesUnderANewHeader) {
+    KIniData ini = loaded("[a] old text\nk=1\n; c\n[m]\n");
+    ASSERT_TRUE(ini.RenameSection("a", "z"));
+    EXPECT_FALSE(ini.in_sync);
+    EXPECT_EQ(ini.GetContentString(), "[m]\n[z]\nk=1\n; c\n");
+    std::string value;
+    EXPECT_TRUE(ini.GetStringEntry("z", "k", value));
+    ASSERT_TRUE(ini.SetStringEntry("z", "n", "2"));
+    ASSERT_TRUE(ini.DeleteEntry("z", "k"));
+    EXPECT_EQ(ini.GetContentString(), "[m]\n[z]\n; c\nn=2\n");
+
+    const std::string where = "KIniDataT<struct KIniDataCaseSensitiveCompare>::RenameSection";
+    EXPECT_FALSE(ini.RenameSection("nothing", "m")); // the target is tested first
+    EXPECT_EQ(trace().back(), where + "(): section \"m\" already exists");
+    EXPECT_FALSE(ini.RenameSection("nothing", "y"));
+    EXPECT_EQ(trace().back(), where + "(): the source section \"nothing\" doesn't exists");
+}
+
+TEST_F(KIniDataEdit, AddAndDeleteSections) {
+    KIniData ini = loaded("[b]\nk=1\n");
+    ASSERT_TRUE(ini.AddSection("b"));
+    EXPECT_TRUE(ini.in_sync);
+    ASSERT_TRUE(ini.AddSection("a"));
+    EXPECT_FALSE(ini.in_sync);
+    EXPECT_EQ(ini.GetContentString(), "[a]\n[b]\nk=1\n");
+    ASSERT_TRUE(ini.DeleteSection("b"));
+    EXPECT_FALSE(ini.DeleteSection("b"));
+    EXPECT_EQ(trace().back(), "KIniData::DeleteSection(): section \"b\" not found");
+    EXPECT_EQ(ini.GetContentString(), "[a]\n");
+}
+
+TEST_F(KIniDataEdit, BehaviourBits) {
+    KIniData relaxed = loaded("[s]\n  bare line  \n=5\n", korv::KINI_RELAXED_LINES);
+    std::string value;
+    EXPECT_TRUE(relaxed.GetStringEntry("s", "bare line", value));
+    EXPECT_EQ(value, "  bare line  ");
+    EXPECT_TRUE(relaxed.GetStringEntry("s", "", value));
+    EXPECT_EQ(value, "5");
+
+    KIniData sections = loaded("[a]\nx=1\n[b]\n[a]\ny=2\nno equals\n", korv::KINI_REPLACE_SECTIONS);
+    EXPECT_EQ(sections.GetContentString(), "[a]\ny=2\nno equals\n[b]\n");
+
+    KIniData entries = loaded("[s]\na=1\n; c\nb=2\na =3\n", korv::KINI_REPLACE_ENTRIES);
+    EXPECT_EQ(entries.GetContentString(), "[s]\n; c\nb=2\na =3\n");
+
+    KIniData strict;
+    EXPECT_FALSE(strict.SetContentString("[s]\n[s]\n"));
+}
+
+TEST_F(KIniDataEdit, SetContentStringKeepsEmptyLinesAndStopsAtTheFirstBadLine) {
+    KIniData ini;
+    ini.is_open = true;
+    ini.file_missing = false;
+    ini.in_sync = true;
+    const char text[] = "; c\r\n\r\n[s]\rk=v\n\n\0ignored";
+    ASSERT_TRUE(ini.SetContentString(std::string_view(text, sizeof text - 1)));
+    EXPECT_FALSE(ini.in_sync);
+    EXPECT_TRUE(ini.is_open);
+    EXPECT_FALSE(ini.file_missing);
+    EXPECT_EQ(ini.GetContentString(), "; c\n\n[s]\nk=v\n\n");
+    EXPECT_FALSE(ini.SetContentString("[s]\nk=1\nbad\n[t]\n"));
+    EXPECT_EQ(ini.GetContentString(), "[s]\nk=1\n");
+    EXPECT_EQ(trace().back(), "KIniData::SetContentString(): parse_line() failed");
+}
+
+TEST_F(KIniDataEdit, CopiesAreIndependentAndCompareByText) {
+    KIniData source = loaded("; c\n[s]\nk = 1\n", korv::KINI_RELAXED_LINES);
+    source.file_name = "C:\\x.ini";
+    source.file_missing = false;
+    source.error_text = "earlier";
+    KIniData copy(source);
+    EXPECT_EQ(copy.GetContentString(), source.GetContentString());
+    EXPECT_EQ(copy.file_name, "C:\\x.ini");
+    EXPECT_EQ(copy.flags, korv::KINI_RELAXED_LINES);
+    EXPECT_EQ(copy.error_text, "earlier");
+    EXPECT_TRUE(copy.in_sync);
+    EXPECT_FALSE(copy.file_missing);
+    EXPECT_TRUE(copy == source);
+    ASSERT_TRUE(copy.SetStringEntry("s", "k", "2"));
+    EXPECT_TRUE(copy != source);
+    std::string value;
+    EXPECT_TRUE(source.GetStringEntry("s", "k", value));
+    EXPECT_EQ(value, " 1");
+
+    KIniData assigned = loaded("[other]\n");
+    assigned = copy;
+    EXPECT_TRUE(assigned == copy);
+    EXPECT_FALSE(assigned.in_sync);
+    assigned = *&assigned;
+    EXPECT_EQ(assigned.GetContentString(), "; c\n[s]\nk =2\n");
+    std::ostringstream out;
+    out << assigned;
+    EXPECT_EQ(out.str(), "; c\n[s]\nk =2\n");
+}
+
+} // namespace
