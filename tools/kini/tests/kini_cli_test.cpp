@@ -1,0 +1,204 @@
+// kini end to end: the built binary on files in a scratch folder, judged by its
+// exit code, its output and the bytes it leaves on disk.
+#include "scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using korv::testing::ScratchDir;
+
+struct KiniRun {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+class Kini : public ::testing::Test {
+protected:
+    // Runs kini with `args`; standard output and error go through files.
+    KiniRun kini(const std::vector<std::string>& args) {
+        const std::string out = io / "out", err = io / "err";
+        const pid_t child = fork();
+        if (child == 0) {
+            const int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            const int err_fd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+            if (out_fd < 0 || err_fd < 0 || dup2(out_fd, 1) < 0 || dup2(err_fd, 2) < 0)
+                _exit(126);
+            std::vector<char*> argv{const_cast<char*>(KINI_BINARY)};
+            for (const std::string& arg : args)
+                argv.push_back(const_cast<char*>(arg.c_str()));
+            argv.push_back(nullptr);
+            execv(KINI_BINARY, argv.data());
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, io.read("out"), io.read("err")};
+    }
+
+    std::string path(const char* name) const { return dir / name; }
+
+    ScratchDir dir;
+    ScratchDir io;
+};
+
+constexpr const char* kMixed = "; head\n"
+                               "[b]\r"
+                               "key = 5 ; five\r\n"
+                               "; tail of b\n"
+                               "\n"
+                               "[a] old\n"
+                               "x=1";
+
+TEST_F(Kini, HelpAndUsageErrors) {
+    const KiniRun help = kini({"--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_EQ(help.out.rfind("usage: kini", 0), 0u);
+    for (const std::vector<std::string>& args :
+         std::vector<std::vector<std::string>>{{},
+                                               {"frobnicate", "f.ini"},
+                                               {"get", "f.ini", "s"},
+                                               {"set", "f.ini", "s", "k"},
+                                               {"delete", "f.ini"},
+                                               {"cat", "f.ini", "extra"}}) {
+        const KiniRun run = kini(args);
+        EXPECT_EQ(run.code, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_NE(run.err.find("usage: kini"), std::string::npos);
+    }
+}
+
+TEST_F(Kini, CatPrintsTheContentStringAndWritesNothing) {
+    dir.write("f.ini", kMixed);
+    const KiniRun run = kini({"cat", path("f.ini")});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, "; head\n[a] old\nx=1\n[b]\nkey = 5 ; five\n; tail of b\n");
+    EXPECT_EQ(dir.read("f.ini"), kMixed);
+}
+
+TEST_F(Kini, FmtSortsSectionsAndWritesCrLf) {
+    dir.write("f.ini", std::string("\xEF\xBB\xBF") + kMixed);
+    EXPECT_EQ(kini({"fmt", path("f.ini")}).code, 0);
+    EXPECT_EQ(dir.read("f.ini"),
+              "; head\r\n[a] old\r\nx=1\r\n[b]\r\nkey = 5 ; five\r\n; tail of b\r\n");
+}
+
+TEST_F(Kini, GetPrintsTheValueAsItStands) {
+    dir.write("f.ini", "[General]\nkey = 5 ; five\nempty=\n[general]\nkey=lower\n");
+    KiniRun run = kini({"get", path("f.ini"), "General", "key"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, " 5 ; five\n");
+    EXPECT_EQ(kini({"get", path("f.ini"), "general", "key  "}).out, "lower\n");
+    EXPECT_EQ(kini({"get", path("f.ini"), "General", "empty"}).out, "\n");
+
+    run = kini({"get", path("f.ini"), "GENERAL", "key"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "kini: " + path("f.ini") + ": no section [GENERAL]\n");
+    run = kini({"get", path("f.ini"), "General", "Key"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.err, "kini: " + path("f.ini") + ": no key \"Key\" in section [General]\n");
+}
+
+TEST_F(Kini, SetChangesInPlaceOrAppendsAndCreatesTheFile) {
+    dir.write("f.ini", kMixed);
+    EXPECT_EQ(kini({"set", path("f.ini"), "b", "key", "7"}).code, 0);
+    EXPECT_EQ(kini({"set", path("f.ini"), "b", "new", "a b ; c"}).code, 0);
+    EXPECT_EQ(kini({"set", path("f.ini"), "B", "k", ""}).code, 0);
+    EXPECT_EQ(dir.read("f.ini"), "; head\r\n[B]\r\nk=\r\n[a] old\r\nx=1\r\n"
+                                 "[b]\r\nkey =7\r\n; tail of b\r\nnew=a b ; c\r\n");
+
+    EXPECT_EQ(kini({"set", path("new.ini"), "s", "k", "v"}).code, 0);
+    EXPECT_EQ(dir.read("new.ini"), "[s]\r\nk=v\r\n");
+    EXPECT_EQ(kini({"set", path("no/such/folder.ini"), "s", "k", "v"}).code, 2);
+}
+
+TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSame) {
+    dir.write("f.ini", kMixed);
+    const KiniRun comment = kini({"set", path("f.ini"), "b", ";x", "1"});
+    EXPECT_EQ(comment.code, 2);
+    EXPECT_EQ(comment.err, "kini: a key cannot start with ';'\n");
+    for (const std::vector<std::string>& args :
+         std::vector<std::vector<std::string>>{{"b", "k", "two\nlines"},
+                                               {"b", "a=b", "1"},
+                                               {"b", "", "1"},
+                                               {"b", " k", "1"},
+                                               {"b", "[k]", "1"},
+                                               {"s]x", "k", "1"}}) {
+        const KiniRun run = kini({"set", path("f.ini"), args[0], args[1], args[2]});
+        EXPECT_EQ(run.code, 2) << args[0] << " " << args[1];
+        EXPECT_FALSE(run.err.empty());
+    }
+    EXPECT_EQ(dir.read("f.ini"), kMixed);
+}
+
+TEST_F(Kini, DeleteTakesAKeyOrASection) {
+    dir.write("f.ini", "[a]\n; about x\nx=1\ny=2\n[b]\nz=3\n");
+    EXPECT_EQ(kini({"delete", path("f.ini"), "a", "x"}).code, 0);
+    EXPECT_EQ(kini({"delete", path("f.ini"), "b"}).code, 0);
+    EXPECT_EQ(dir.read("f.ini"), "[a]\r\n; about x\r\ny=2\r\n");
+    const std::string before = dir.read("f.ini");
+    EXPECT_EQ(kini({"delete", path("f.ini"), "a", "x"}).code, 1);
+    EXPECT_EQ(kini({"delete", path("f.ini"), "a", "y "}).code, 1); // exact names only
+    EXPECT_EQ(kini({"delete", path("f.ini"), "b"}).code, 1);
+    EXPECT_EQ(dir.read("f.ini"), before);
+}
+
+TEST_F(Kini, SectionsAndKeysListInMapOrder) {
+    dir.write("f.ini", "[b]\nz=1\nA=2\na=3\n[a]\n[B]\n");
+    KiniRun run = kini({"sections", path("f.ini")});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, "B\na\nb\n");
+    run = kini({"keys", path("f.ini"), "b"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, "A\na\nz\n");
+    EXPECT_EQ(kini({"keys", path("f.ini"), "a"}).out, "");
+    EXPECT_EQ(kini({"keys", path("f.ini"), "c"}).code, 1);
+}
+
+TEST_F(Kini, AFileThatDoesNotParseIsNeverWritten) {
+    const std::string bad = "[a]\r\nk=1\n[a]\nj=2";
+    dir.write("bad.ini", bad);
+    for (const std::vector<std::string>& args :
+         std::vector<std::vector<std::string>>{{"cat"},
+                                               {"fmt"},
+                                               {"get", "a", "k"},
+                                               {"set", "a", "k", "2"},
+                                               {"delete", "a"},
+                                               {"delete", "a", "k"},
+                                               {"sections"},
+                                               {"keys", "a"}}) {
+        std::vector<std::string> full{args[0], path("bad.ini")};
+        full.insert(full.end(), args.begin() + 1, args.end());
+        const KiniRun run = kini(full);
+        EXPECT_EQ(run.code, 2) << args[0];
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, "kini: " + path("bad.ini") + ": Section [a] seen twice\n");
+        EXPECT_EQ(dir.read("bad.ini"), bad);
+    }
+}
+
+TEST_F(Kini, OnlySetStartsFromAMissingFile) {
+    for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+             {"cat"}, {"fmt"}, {"get", "a", "k"}, {"delete", "a"}, {"sections"}}) {
+        std::vector<std::string> full{args[0], path("gone.ini")};
+        full.insert(full.end(), args.begin() + 1, args.end());
+        const KiniRun run = kini(full);
+        EXPECT_EQ(run.code, 2) << args[0];
+        EXPECT_EQ(run.err, "kini: " + path("gone.ini") + ": no such file\n");
+    }
+    EXPECT_EQ(access(path("gone.ini").c_str(), F_OK), -1);
+    const KiniRun folder = kini({"cat", dir.path()});
+    EXPECT_EQ(folder.code, 2);
+    EXPECT_NE(folder.err.find("KIniData::Open(): KFastFileReader::Open() failed"),
+              std::string::npos);
+}
+
+} // namespace
