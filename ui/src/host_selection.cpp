@@ -1,0 +1,113 @@
+#include "ui_host_selection.h"
+
+#include "errtrace.h"
+#include "kplatform_module.h"
+#include "ui_headless_host.h"
+
+#include <cstdlib>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
+namespace korv::ui {
+
+namespace {
+
+struct Selection {
+    bool chosen = false;
+    std::unique_ptr<Host> host;
+    std::string why_none;
+};
+
+Selection& selection() {
+    static Selection s;
+    return s;
+}
+
+std::string module_beside_executable() {
+    const std::string exe = korv::platform::executable_path();
+    const std::size_t slash = exe.find_last_of("/\\");
+    return (slash == std::string::npos ? std::string() : exe.substr(0, slash + 1)) + kToolkitModule;
+}
+
+void choose(Selection& s) {
+    s.chosen = true;
+    if (const char* script = std::getenv("KORV_UI_SCRIPT"); script && *script) {
+        const char* transcript = std::getenv("KORV_UI_TRANSCRIPT");
+        s.host = HeadlessHost::from_files(script, transcript ? transcript : "", s.why_none);
+        if (s.host)
+            KTRACE(4, "active_host(): headless host runs the script %s", script);
+        return;
+    }
+    const std::string module = module_beside_executable();
+    std::string why;
+    s.host = load_toolkit_host(module, why);
+    if (s.host)
+        KTRACE(4, "active_host(): dialogs are shown by %s", module.c_str());
+    else
+        s.why_none = "KORV_UI_SCRIPT is not set and " + why;
+}
+
+} // namespace
+
+Host* active_host() {
+    Selection& s = selection();
+    if (!s.chosen)
+        choose(s);
+    return s.host.get();
+}
+
+Host* loaded_host() {
+    return selection().host.get();
+}
+
+const std::string& host_unavailable_reason() {
+    return selection().why_none;
+}
+
+std::unique_ptr<Host> load_toolkit_host(const std::string& path, std::string& why) {
+    // The module stays loaded for the rest of the run: its host lives until exit.
+#ifdef _WIN32
+    HMODULE module = ::LoadLibraryA(path.c_str());
+    if (!module) {
+        why = "the toolkit module " + path + " could not be loaded (error " +
+              std::to_string(::GetLastError()) + ")";
+        return nullptr;
+    }
+    auto factory = reinterpret_cast<HostFactory>(::GetProcAddress(module, kHostEntryPoint));
+#else
+    void* module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!module) {
+        const char* error = ::dlerror();
+        why = "the toolkit module " + path + " could not be loaded (" +
+              (error ? error : "unknown error") + ")";
+        return nullptr;
+    }
+    auto factory = reinterpret_cast<HostFactory>(::dlsym(module, kHostEntryPoint));
+#endif
+    if (!factory) {
+        why = "the toolkit module " + path + " has no " + kHostEntryPoint;
+        return nullptr;
+    }
+    std::unique_ptr<Host> host(factory(kHostAbi));
+    if (!host)
+        why =
+            "the toolkit module " + path + " refused interface version " + std::to_string(kHostAbi);
+    return host;
+}
+
+void install_host(std::unique_ptr<Host> host) {
+    Selection& s = selection();
+    s.chosen = true;
+    s.host = std::move(host);
+    s.why_none = s.host ? std::string() : std::string("no host was installed");
+}
+
+void reset_host_selection() {
+    selection() = Selection{};
+}
+
+} // namespace korv::ui

@@ -1,0 +1,143 @@
+// A small sample application for the tests: a dialog with every kind of
+// control, a two-page dialog opened from it, and a plain dialog opened from a
+// page, so that three modal runs nest.
+#pragma once
+
+#include "ui_framework.h"
+#include "ui_host.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sample {
+
+using namespace korv::ui;
+
+enum : int {
+    kSampleDialog = 500,
+    kUndo = 510,
+    kOption = 511,
+    kFirst = 512, // radio group: 512, 513, (check box 514), 515
+    kSecond = 513,
+    kMiddleCheck = 514,
+    kThird = 515,
+    kOtherGroup = 516,
+    kStatus = 520,
+    kPicture = 521,
+    kPlaceholder = 522,
+    kName = 523,
+    kFixedText = 524,
+    kFruits = 525,
+    kNumbers = 526,
+    kSummary = 527,
+    kOpenPages = 528,
+    kAsk = 529,
+    kNever = 530,
+
+    kPagesDialog = 600,
+    kBack = 601,
+    kPagePlace = 602,
+    kPage1 = 610,
+    kPage2 = 611,
+    kPageCheck = 612,
+    kPageList = 613,
+    kPageEdit = 614,
+    kNested = 615,
+
+    kPlainDialog = 700,
+};
+
+// Registers the templates once.
+void register_templates();
+
+// The second page opens this.
+class PlainDlg : public CDialog {
+public:
+    explicit PlainDlg(CWnd* parent) : CDialog(kPlainDialog, parent) {}
+};
+
+class Page : public CDialog {
+public:
+    std::vector<std::string> shows; // "show" and "hide", as told
+    int m_check = 0;
+    std::string m_text;
+    int m_nestedResult = 0;
+
+    Page();
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override;
+    void OnShowWindow(bool show, unsigned) override { shows.push_back(show ? "show" : "hide"); }
+    void OnOK() override {}
+    void OnCancel() override {}
+};
+
+class PagesDlg : public CDialog {
+public:
+    Page page1;
+    Page page2;
+    int current = -1;
+
+    explicit PagesDlg(CWnd* parent);
+    void SetCurSel(int index);
+
+protected:
+    bool OnInitDialog() override;
+    void OnOK() override;
+    void OnCancel() override;
+    void OnBack();
+};
+
+class SampleDlg : public CDialog {
+public:
+    std::string m_name;
+    int m_option = 0;
+    int m_choice = 1;
+    CListBox m_fruits;
+    CComboBox m_numbers;
+    CBitmapButton m_undo;
+    CRichEditCtrl m_summary;
+    CDlgToolTipCtrl m_tips;
+    std::vector<std::string> notes; // what the handlers saw
+    int m_pagesResult = 0;
+
+    SampleDlg();
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override;
+    bool OnInitDialog() override;
+    void OnOK() override;
+
+private:
+    void note(const std::string& what) { notes.push_back(what); }
+};
+
+// A host for tests that want a dialog open without a script: RunModal calls
+// `body` with the dialog and then ends it with IDCANCEL unless `body` did.
+class CallbackHost : public Host {
+public:
+    std::function<void(CDialog&)> body;
+    std::function<int(const std::string&, unsigned)> box = [](const std::string&, unsigned) {
+        return IDOK;
+    };
+    std::vector<std::string> calls; // "opened 500", "changed 500/520", ...
+    bool record_changes = false;
+
+    void DialogOpened(CDialog& d) override;
+    void RunModal(CDialog& d) override;
+    void DialogEnded(CDialog& d, int result) override;
+    int MessageBox(const std::string& text, unsigned type) override { return box(text, type); }
+    void ControlChanged(const CDialog& d, int id) override;
+    void WindowChanged(const CDialog& d) override;
+};
+
+// Installs a host for the life of the object and forgets the choice after.
+class ScopedHost {
+public:
+    explicit ScopedHost(std::unique_ptr<Host> host);
+    ~ScopedHost();
+};
+
+} // namespace sample
