@@ -78,7 +78,10 @@ class KIniDataEntry : public KIniDataLine {
 public:
     KIniDataEntry(std::string_view text, std::size_t pos) : KIniDataLine(text), value_pos(pos) {}
 
-    std::string_view GetValue() const { return std::string_view(line).substr(value_pos); }
+    std::string_view GetValue() const {
+        return value_pos < line.size() ? std::string_view(line).substr(value_pos)
+                                       : std::string_view();
+    }
     bool GetStringValue(std::string& value) const;
     // strtol base 10 held to 32 bits, strtoll, strtod. The output is written even
     // without digits; true if at least one character was converted.
