@@ -37,7 +37,7 @@ public:
     void DialogOpened(CDialog& dialog) override;
     void RunModal(CDialog& dialog) override;
     void DialogEnded(CDialog& dialog, int result) override;
-    int MessageBox(const std::string& text, unsigned type) override;
+    int ShowMessageBox(const std::string& text, unsigned type) override;
 
 private:
     void deliver(CDialog& modal, const ScriptEvent& event);

@@ -24,7 +24,8 @@ public:
     virtual void RunModal(CDialog& dialog) = 0;
     virtual void DialogEnded(CDialog& dialog, int result) = 0;
     // Shows a message box; `type` combines MB_ flags. Returns the button chosen.
-    virtual int MessageBox(const std::string& text, unsigned type) = 0;
+    // (Not named MessageBox: the Windows headers make that a macro.)
+    virtual int ShowMessageBox(const std::string& text, unsigned type) = 0;
 
     // A control or a dialog window changed: its state, or, for a dialog, its
     // caption, visibility, place, or which children and controls it has.

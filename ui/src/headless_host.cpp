@@ -138,7 +138,7 @@ void HeadlessHost::deliver(CDialog& modal, const ScriptEvent& e) {
         m_transcript.refuse(input_result_text(result));
 }
 
-int HeadlessHost::MessageBox(const std::string& text, unsigned type) {
+int HeadlessHost::ShowMessageBox(const std::string& text, unsigned type) {
     if (m_answers.empty() && m_next < m_events.size() &&
         m_events[m_next].kind == ScriptEvent::Kind::Answer)
         m_answers.push_back(m_events[m_next++]);

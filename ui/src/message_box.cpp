@@ -69,7 +69,7 @@ int AfxMessageBox(const std::string& text, unsigned nType, unsigned /*nIDHelp*/)
                 host_unavailable_reason().c_str(), text.c_str());
         return 0;
     }
-    return host->MessageBox(text, nType);
+    return host->ShowMessageBox(text, nType);
 }
 
 } // namespace korv::ui

@@ -11,7 +11,7 @@ public:
     void DialogOpened(korv::ui::CDialog&) override {}
     void RunModal(korv::ui::CDialog& dialog) override { dialog.EndDialog(42); }
     void DialogEnded(korv::ui::CDialog&, int) override {}
-    int MessageBox(const std::string&, unsigned) override { return korv::ui::IDYES; }
+    int ShowMessageBox(const std::string&, unsigned) override { return korv::ui::IDYES; }
 };
 
 } // namespace

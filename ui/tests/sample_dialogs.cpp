@@ -1,78 +1,66 @@
 #include "sample_dialogs.h"
 
-#include "ui_host_selection.h"
-
 namespace sample {
+
+namespace {
+
+// Registers a dialog; `controls` in resource order.
+void add(int id, const char* caption, int cx, int cy, std::vector<ControlTemplate> controls) {
+    register_dialog_template({id, caption, cx, cy, std::move(controls)});
+}
+
+} // namespace
 
 void register_templates() {
     using K = ControlKind;
-    register_dialog_template(
-        {kSampleDialog,
-         "Sample.dlghead",
-         220,
-         160,
-         {
-             {IDOK, K::DefaultButton, "OK.but", {110, 140, 50, 14}},
-             {IDCANCEL, K::Button, "Cancel.but", {165, 140, 50, 14}},
-             {kUndo, K::BitmapButton, "Undo", {5, 5, 20, 20}},
-             {kOption, K::CheckBox, "Option.txt", {30, 5, 60, 10}},
-             {kFirst, K::RadioButton, "First.txt", {30, 20, 60, 10}, style::group},
-             {kSecond, K::RadioButton, "Second.txt", {30, 30, 60, 10}},
-             {kMiddleCheck, K::CheckBox, "Middle.txt", {30, 40, 60, 10}},
-             {kThird, K::RadioButton, "Third.txt", {30, 50, 60, 10}},
-             {kOtherGroup, K::RadioButton, "Other.txt", {30, 60, 60, 10}, style::group},
-             {IDC_STATIC, K::StaticText, "Name:.txt", {100, 5, 40, 10}, style::group},
-             {kStatus, K::StaticText, "", {100, 20, 100, 10}},
-             {kPicture, K::Bitmap, "9999", {180, 5, 30, 30}},
-             {kPlaceholder, K::Frame, "", {100, 40, 100, 50}, style::hidden},
-             {kName, K::Edit, "", {100, 95, 100, 12}},
-             {kFixedText, K::Edit, "fixed", {100, 110, 100, 12}, style::read_only},
-             {kFruits, K::ListBox, "", {5, 75, 80, 40}, style::sorted | style::vscroll},
-             {kNumbers, K::ComboBox, "", {5, 120, 80, 40}},
-             {kSummary,
-              K::RichEdit,
-              "",
-              {5, 165, 200, 40},
-              style::multi_line | style::read_only | style::vscroll | style::hscroll},
-             {kOpenPages, K::Button, "Pages.but", {5, 140, 50, 14}},
-             {kAsk, K::Button, "Ask.but", {60, 140, 45, 14}},
-             {kNever, K::Button, "Never.but", {5, 210, 45, 14}, style::disabled},
-         }});
-    register_dialog_template(
-        {kPagesDialog,
-         "Pages.dlghead",
-         200,
-         120,
-         {
-             {IDOK, K::DefaultButton, "Next.but", {90, 100, 50, 14}},
-             {IDCANCEL, K::Button, "Cancel.but", {145, 100, 50, 14}},
-             {kBack, K::Button, "Back.but", {35, 100, 50, 14}, style::disabled},
-             {kPagePlace, K::Frame, "", {5, 5, 190, 90}, style::hidden},
-         }});
-    register_dialog_template({kPage1,
-                              "",
-                              190,
-                              90,
-                              {
-                                  {kPageCheck, K::CheckBox, "Check.txt", {5, 5, 60, 10}},
-                                  {kPageList, K::ListBox, "", {5, 20, 80, 60}},
-                              }});
-    register_dialog_template({kPage2,
-                              "",
-                              190,
-                              90,
-                              {
-                                  {kPageEdit, K::Edit, "", {5, 5, 100, 12}},
-                                  {kNested, K::Button, "Nested.but", {5, 25, 50, 14}},
-                              }});
-    register_dialog_template({kPlainDialog,
-                              "Plain.dlghead",
-                              100,
-                              50,
-                              {
-                                  {IDOK, K::DefaultButton, "OK.but", {5, 30, 40, 14}},
-                                  {IDCANCEL, K::Button, "Cancel.but", {50, 30, 40, 14}},
-                              }});
+    const unsigned all_scrolling =
+        style::multi_line | style::read_only | style::vscroll | style::hscroll;
+    add(kSampleDialog, "Sample.dlghead", 220, 160,
+        {
+            {IDOK, K::DefaultButton, "OK.but", {110, 140, 50, 14}},
+            {IDCANCEL, K::Button, "Cancel.but", {165, 140, 50, 14}},
+            {kUndo, K::BitmapButton, "Undo", {5, 5, 20, 20}},
+            {kOption, K::CheckBox, "Option.txt", {30, 5, 60, 10}},
+            {kFirst, K::RadioButton, "First.txt", {30, 20, 60, 10}, style::group},
+            {kSecond, K::RadioButton, "Second.txt", {30, 30, 60, 10}},
+            {kMiddleCheck, K::CheckBox, "Middle.txt", {30, 40, 60, 10}},
+            {kThird, K::RadioButton, "Third.txt", {30, 50, 60, 10}},
+            {kOtherGroup, K::RadioButton, "Other.txt", {30, 60, 60, 10}, style::group},
+            {IDC_STATIC, K::StaticText, "Name:.txt", {100, 5, 40, 10}, style::group},
+            {kStatus, K::StaticText, "", {100, 20, 100, 10}},
+            {kPicture, K::Bitmap, "9999", {180, 5, 30, 30}},
+            {kPlaceholder, K::Frame, "", {100, 40, 100, 50}, style::hidden},
+            {kName, K::Edit, "", {100, 95, 100, 12}},
+            {kFixedText, K::Edit, "fixed", {100, 110, 100, 12}, style::read_only},
+            {kFruits, K::ListBox, "", {5, 75, 80, 40}, style::sorted | style::vscroll},
+            {kNumbers, K::ComboBox, "", {5, 120, 80, 40}},
+            {kSummary, K::RichEdit, "", {5, 165, 200, 40}, all_scrolling},
+            {kOpenPages, K::Button, "Pages.but", {5, 140, 50, 14}},
+            {kAsk, K::Button, "Ask.but", {60, 140, 45, 14}},
+            {kNever, K::Button, "Never.but", {5, 210, 45, 14}, style::disabled},
+        });
+    add(kPagesDialog, "Pages.dlghead", 200, 120,
+        {
+            {IDOK, K::DefaultButton, "Next.but", {90, 100, 50, 14}},
+            {IDCANCEL, K::Button, "Cancel.but", {145, 100, 50, 14}},
+            {kBack, K::Button, "Back.but", {35, 100, 50, 14}, style::disabled},
+            {kPagePlace, K::Frame, "", {5, 5, 190, 90}, style::hidden},
+        });
+    add(kPage1, "", 190, 90,
+        {
+            {kPageCheck, K::CheckBox, "Check.txt", {5, 5, 60, 10}},
+            {kPageList, K::ListBox, "", {5, 20, 80, 60}},
+        });
+    add(kPage2, "", 190, 90,
+        {
+            {kPageEdit, K::Edit, "", {5, 5, 100, 12}},
+            {kNested, K::Button, "Nested.but", {5, 25, 50, 14}},
+        });
+    add(kPlainDialog, "Plain.dlghead", 100, 50,
+        {
+            {IDOK, K::DefaultButton, "OK.but", {5, 30, 40, 14}},
+            {IDCANCEL, K::Button, "Cancel.but", {50, 30, 40, 14}},
+        });
 }
 
 Page::Page() {
@@ -224,15 +212,6 @@ void CallbackHost::ControlChanged(const CDialog& d, int id) {
 void CallbackHost::WindowChanged(const CDialog& d) {
     if (record_changes)
         calls.push_back("window " + std::to_string(d.template_id()));
-}
-
-ScopedHost::ScopedHost(std::unique_ptr<Host> host) {
-    register_templates();
-    install_host(std::move(host));
-}
-
-ScopedHost::~ScopedHost() {
-    reset_host_selection();
 }
 
 } // namespace sample

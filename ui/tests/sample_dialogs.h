@@ -128,16 +128,9 @@ public:
     void DialogOpened(CDialog& d) override;
     void RunModal(CDialog& d) override;
     void DialogEnded(CDialog& d, int result) override;
-    int MessageBox(const std::string& text, unsigned type) override { return box(text, type); }
+    int ShowMessageBox(const std::string& text, unsigned type) override { return box(text, type); }
     void ControlChanged(const CDialog& d, int id) override;
     void WindowChanged(const CDialog& d) override;
-};
-
-// Installs a host for the life of the object and forgets the choice after.
-class ScopedHost {
-public:
-    explicit ScopedHost(std::unique_ptr<Host> host);
-    ~ScopedHost();
 };
 
 } // namespace sample
