@@ -13,7 +13,7 @@ CDialog::CDialog(int nIDTemplate, CWnd* pParentWnd)
     : m_nIDTemplate(nIDTemplate), m_pParentWnd(pParentWnd) {}
 
 CDialog::~CDialog() {
-    // The parts of derived classes are gone: no host hears of this.
+    // What derived classes added is destroyed already: no host hears of this.
     if (m_created)
         destroy_window(false);
 }

@@ -231,3 +231,23 @@ TEST(HeadlessHost, UnusedEventsAreReportedWhenTheHostEnds) {
     }
     EXPECT_EQ(lines, (std::vector<std::string>{"! 3 events from line 1 were not used"}));
 }
+
+TEST(HeadlessHost, ADialogThatRefusesToCloseIsEndedAtTheEndOfTheScript) {
+    class Stubborn : public CDialog {
+    public:
+        Stubborn() : CDialog(kPlainDialog) {}
+
+    protected:
+        void OnCancel() override {}
+    };
+    register_templates();
+    std::vector<std::string> lines;
+    install_host(std::make_unique<HeadlessHost>(std::vector<ScriptEvent>{},
+                                                [&](const std::string& l) { lines.push_back(l); }));
+    Stubborn dialog;
+    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+    reset_host_selection();
+    EXPECT_EQ(lines, (std::vector<std::string>{
+                         "open 700 \"Plain.dlghead\"", "  > close (end of the script)",
+                         "  ! 700 stayed open and was ended with 2", "end 700 -> 2"}));
+}
