@@ -1,0 +1,131 @@
+#include "common_app_data.h"
+#include "errtrace.h"
+#include "kdirtools.h"
+#include "scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+using namespace korv;
+using korv::testing::ScopedEnv;
+using korv::testing::ScratchRoot;
+
+namespace {
+
+// Removes an environment variable for its lifetime.
+class ScopedUnset {
+public:
+    explicit ScopedUnset(const char* name) : m_name(name) {
+        if (const char* old = std::getenv(name)) {
+            m_had = true;
+            m_old = old;
+        }
+        ::unsetenv(name);
+    }
+    ~ScopedUnset() {
+        if (m_had)
+            ::setenv(m_name.c_str(), m_old.c_str(), 1);
+    }
+
+private:
+    std::string m_name;
+    bool m_had = false;
+    std::string m_old;
+};
+
+class AppData : public ::testing::Test {
+protected:
+    void SetUp() override { KErrTrace_BeginContext(); }
+    void TearDown() override {
+        KErrTrace_ClearContext();
+        KErrTrace_EndContext();
+    }
+    static std::vector<std::string> trace() { return diag::error_trace_lines(); }
+
+    ScratchRoot m_root;
+};
+
+} // namespace
+
+TEST_F(AppData, CommonDataOfThePlatform) {
+    ScopedUnset unset("KORV_CONFIGPATH");
+    std::string folder;
+    ASSERT_TRUE(GetCommonAppDataFolder(folder));
+    EXPECT_EQ(folder, "C:\\ProgramData");
+
+    ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "Midspan Plugin", true));
+    EXPECT_EQ(folder, "C:\\ProgramData\\Korv\\Midspan Plugin\\");
+    EXPECT_TRUE(dir_exists(m_root.path() + "/drive_c/ProgramData/Korv/Midspan Plugin"));
+    ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, nullptr, "KorSystemConfig", false));
+    EXPECT_EQ(folder, "C:\\ProgramData\\KorSystemConfig\\");
+    EXPECT_FALSE(dir_exists("C:\\ProgramData\\KorSystemConfig"));
+}
+
+TEST_F(AppData, TheVariableMovesTheCommonData) {
+    ScopedEnv moved("KORV_CONFIGPATH", "D:\\cfg");
+    std::string folder;
+    ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "KorECon", true));
+    EXPECT_EQ(folder, "D:\\cfg\\Korv\\KorECon\\");
+    EXPECT_TRUE(dir_exists(m_root.path() + "/drive_d/cfg/Korv/KorECon"));
+
+    // Set but empty: an empty base, so the folder starts with a separator.
+    ScopedEnv empty("KORV_CONFIGPATH", "");
+    ASSERT_TRUE(GetCommonAppDataFolder(folder));
+    EXPECT_EQ(folder, "");
+    ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "RigCfg", false));
+    EXPECT_EQ(folder, "\\Korv\\RigCfg\\");
+}
+
+TEST_F(AppData, BufferFormAndRefusals) {
+    ScopedUnset unset("KORV_CONFIGPATH");
+    std::string folder = "untouched";
+    EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", "", false));
+    EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", nullptr, false));
+    EXPECT_EQ(trace().at(0), "GetCommonAppDataFolderForProduct(): no company name");
+    EXPECT_EQ(folder, "untouched");
+
+    // "C:\ProgramData\Korv\RigCfg\" is 27 bytes and needs 28 with its terminator.
+    char buffer[64];
+    ASSERT_TRUE(GetCommonAppDataFolderProduct(buffer, 28, "Korv", "RigCfg", false));
+    EXPECT_STREQ(buffer, "C:\\ProgramData\\Korv\\RigCfg\\");
+    KErrTrace_ClearContext();
+    EXPECT_FALSE(GetCommonAppDataFolderProduct(buffer, 27, "Korv", "RigCfg", false));
+    EXPECT_EQ(trace(), (std::vector<std::string>{
+                           "GetCommonAppDataFolderProduct(): folder name too long (27 <= 27)"}));
+
+    // A folder that can't be made.
+    KErrTrace_ClearContext();
+    m_root.write("drive_c/ProgramData/Korv", "a file, not a folder");
+    EXPECT_FALSE(GetCommonAppDataFolderProduct(buffer, sizeof buffer, "Korv", "RigCfg", true));
+    const std::vector<std::string> lines = trace();
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2], "GetCommonAppDataFolderForProduct createDirectoryRecursive("
+                                       "C:\\ProgramData\\Korv\\RigCfg\\) failed");
+    EXPECT_EQ(lines.back(),
+              "GetCommonAppDataFolderProduct(): GetCommonAppDataFolderForProduct() failed");
+}
+
+TEST_F(AppData, CacheFolderIgnoresTheVariable) {
+    ScopedEnv moved("KORV_CONFIGPATH", "D:\\cfg");
+    ScopedEnv user("USER", "tester");
+    std::string folder;
+    ASSERT_TRUE(get_cache_data_folder(folder));
+    EXPECT_EQ(folder, "C:\\Users\\tester\\AppData\\Local");
+
+    ASSERT_TRUE(GetCacheDataFolderProduct(folder, "Korv", "RigCfg", true));
+    EXPECT_EQ(folder, "C:\\Users\\tester\\AppData\\Local\\Korv\\RigCfg\\");
+    EXPECT_TRUE(dir_exists(m_root.path() + "/drive_c/Users/tester/AppData/Local/Korv/RigCfg"));
+
+    EXPECT_FALSE(GetCacheDataFolderProduct(folder, "", "RigCfg", false));
+    EXPECT_FALSE(GetCacheDataFolderProduct(folder, "Korv", nullptr, false));
+    EXPECT_EQ(trace(), (std::vector<std::string>{
+                           "korv::GetCacheDataFolderProduct(): company name is empty",
+                           "korv::GetCacheDataFolderProduct(): product name is empty"}));
+
+    KErrTrace_ClearContext();
+    char buffer[16];
+    EXPECT_FALSE(GetCacheDataFolderProduct(buffer, sizeof buffer, "Korv", "RigCfg", false));
+    EXPECT_EQ(trace(), (std::vector<std::string>{
+                           "GetCacheDataFolderProduct(): folder name too long (16 <= 42)"}));
+}
