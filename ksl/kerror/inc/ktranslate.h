@@ -7,8 +7,8 @@
 // Loads the translations of `domain` in `language`. With an empty `folder` the
 // files are looked up beside the executable first, then in the installed data
 // folder. `text` is unused and always empty. A second call replaces the first.
-void Translate_init(const std::string& text, const std::string& folder,
-                    const std::string& language, const std::string& domain);
+void Translate_init(const std::string& text, const std::string& folder, const std::string& language,
+                    const std::string& domain);
 
 // The translation of `key`; a key without one translates to itself.
 // `flags` and `found` are kept for the callers' sake; `found`, when given, is

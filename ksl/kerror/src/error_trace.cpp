@@ -35,11 +35,15 @@ struct ThreadTrace {
 };
 thread_local ThreadTrace t_trace;
 
-Context& innermost() { return t_trace.stack.back(); }
+Context& innermost() {
+    return t_trace.stack.back();
+}
 
 } // namespace
 
-void KErrTrace_BeginContext() { t_trace.stack.emplace_back(); }
+void KErrTrace_BeginContext() {
+    t_trace.stack.emplace_back();
+}
 
 void KErrTrace_EndContext() {
     if (t_trace.stack.size() <= 1)
@@ -77,8 +81,8 @@ void _KErrTrace_DumpContextToKErrLog(const char* format, ...) {
     using korv::diag::Channel;
     Context& context = innermost();
     for (TraceLine& line : context.lines)
-        korv::diag::detail::write_record(
-            {Channel::ErrorLog, "", 0, std::move(line.source_path), line.line, std::move(line.text)});
+        korv::diag::detail::write_record({Channel::ErrorLog, "", 0, std::move(line.source_path),
+                                          line.line, std::move(line.text)});
     if (context.dropped)
         korv::diag::detail::write_record({Channel::ErrorLog, "", 0, t_trace.source_path,
                                           t_trace.line,

@@ -99,7 +99,8 @@ FILE* open_channel(Settings& s, Channel channel) {
         return stderr;
     FILE*& file = channel == Channel::Trace ? s.trace_file : s.error_file;
     if (!file) {
-        const std::string name = s.folder + (channel == Channel::Trace ? "/trace.log" : "/error.log");
+        const std::string name =
+            s.folder + (channel == Channel::Trace ? "/trace.log" : "/error.log");
         if (platform::make_native_folders(s.folder))
             file = std::fopen(name.c_str(), "a");
         if (!file) {
@@ -153,12 +154,13 @@ void write_record(const LogRecord& record) {
     FILE* out = open_channel(s, record.channel);
     const std::string stamp = time_stamp();
     if (record.channel == Channel::Trace)
-        std::fprintf(out, "%s [%d] %s T%d %s(%d): %s\n", stamp.c_str(), static_cast<int>(::getpid()),
-                     record.module.c_str(), record.level, record.source_path.c_str(), record.line,
-                     record.text.c_str());
+        std::fprintf(out, "%s [%d] %s T%d %s(%d): %s\n", stamp.c_str(),
+                     static_cast<int>(::getpid()), record.module.c_str(), record.level,
+                     record.source_path.c_str(), record.line, record.text.c_str());
     else
-        std::fprintf(out, "%s [%d] %s ERR %s(%d): %s\n", stamp.c_str(), static_cast<int>(::getpid()),
-                     s.program.c_str(), record.source_path.c_str(), record.line, record.text.c_str());
+        std::fprintf(out, "%s [%d] %s ERR %s(%d): %s\n", stamp.c_str(),
+                     static_cast<int>(::getpid()), s.program.c_str(), record.source_path.c_str(),
+                     record.line, record.text.c_str());
     std::fflush(out);
 }
 

@@ -10,12 +10,25 @@ std::string unquote(std::string_view text, std::size_t at) {
         char c = text[i];
         if (c == '\\' && i + 1 < text.size()) {
             switch (text[++i]) {
-            case 'n': c = '\n'; break;
-            case 't': c = '\t'; break;
-            case 'r': c = '\r'; break;
-            case '"': c = '"'; break;
-            case '\\': c = '\\'; break;
-            default: out += '\\'; c = text[i]; break;
+            case 'n':
+                c = '\n';
+                break;
+            case 't':
+                c = '\t';
+                break;
+            case 'r':
+                c = '\r';
+                break;
+            case '"':
+                c = '"';
+                break;
+            case '\\':
+                c = '\\';
+                break;
+            default:
+                out += '\\';
+                c = text[i];
+                break;
             }
         }
         out += c;

@@ -33,8 +33,9 @@ TEST(ErrorTrace, DumpWritesLinesInOrderThenTheClosingLine) {
     KERRTRACE("outer(): inner() failed");
     KERRTRACE_DUMP("top(): outer() failed");
     KErrTrace_EndContext();
-    EXPECT_EQ(log.errors(), (std::vector<std::string>{"inner(): root cause", "outer(): inner() failed",
-                                                      "top(): outer() failed"}));
+    EXPECT_EQ(log.errors(),
+              (std::vector<std::string>{"inner(): root cause", "outer(): inner() failed",
+                                        "top(): outer() failed"}));
     EXPECT_TRUE(korv::diag::error_trace_lines().empty());
 }
 

@@ -25,6 +25,8 @@ std::string native_path(std::string_view path);
 bool make_native_folders(const std::string& native);
 
 // True for '\\' and '/'.
-inline bool is_path_separator(char c) { return c == '\\' || c == '/'; }
+inline bool is_path_separator(char c) {
+    return c == '\\' || c == '/';
+}
 
 } // namespace korv::platform

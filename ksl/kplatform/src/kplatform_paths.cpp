@@ -15,8 +15,8 @@ bool exists(const std::string& path) {
 }
 
 bool is_drive_prefix(std::string_view path) {
-    const bool letter = !path.empty() && ((path[0] >= 'a' && path[0] <= 'z') ||
-                                          (path[0] >= 'A' && path[0] <= 'Z'));
+    const bool letter =
+        !path.empty() && ((path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z'));
     return letter && path.size() >= 2 && path[1] == ':';
 }
 

@@ -28,7 +28,8 @@ TEST(NativePath, MissingComponentTakesTheEntryThatMatchesIgnoringCase) {
     EXPECT_EQ(native_path("C:\\korv\\SP_SUPPORT\\load.ini"),
               root.path() + "/drive_c/Korv/SP_Support/Load.INI");
     // Below a folder that exists under another case, a new name keeps its case.
-    EXPECT_EQ(native_path("c:\\KORV\\NewDir\\New.ini"), root.path() + "/drive_c/Korv/NewDir/New.ini");
+    EXPECT_EQ(native_path("c:\\KORV\\NewDir\\New.ini"),
+              root.path() + "/drive_c/Korv/NewDir/New.ini");
 }
 
 TEST(NativePath, ExactCaseWinsOverAnotherMatch) {

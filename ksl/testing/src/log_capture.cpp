@@ -6,7 +6,9 @@ LogCapture::LogCapture() {
     diag::set_log_observer([this](const diag::LogRecord& record) { m_records.push_back(record); });
 }
 
-LogCapture::~LogCapture() { diag::set_log_observer({}); }
+LogCapture::~LogCapture() {
+    diag::set_log_observer({});
+}
 
 std::vector<std::string> LogCapture::errors() const {
     std::vector<std::string> texts;
@@ -26,7 +28,8 @@ std::vector<std::string> LogCapture::traces() const {
 
 bool LogCapture::has_error(const std::string& part) const {
     for (const diag::LogRecord& record : m_records)
-        if (record.channel == diag::Channel::ErrorLog && record.text.find(part) != std::string::npos)
+        if (record.channel == diag::Channel::ErrorLog &&
+            record.text.find(part) != std::string::npos)
             return true;
     return false;
 }
