@@ -1,8 +1,11 @@
-# korv_library(NAME [DEPS lib...] [TEST_DEPS lib...])
+# korv_library(NAME [MODULE trace-module] [DEPS lib...] [TEST_DEPS lib...])
 # A library lives in a folder with inc/, src/ and tests/. Its sources and tests
 # are every .cpp below src/ and tests/; each test file is part of one test binary.
 function(korv_library name)
-  cmake_parse_arguments(ARG "" "" "DEPS;TEST_DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "" "MODULE" "DEPS;TEST_DEPS" ${ARGN})
+  if(NOT ARG_MODULE)
+    set(ARG_MODULE ${name})
+  endif()
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/src/*.cpp)
   if(NOT sources)
     message(STATUS "${name}: no sources yet, skipped")
@@ -12,7 +15,7 @@ function(korv_library name)
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/inc)
   target_link_libraries(${name} PUBLIC ${ARG_DEPS})
   # Trace levels are set per module; each library traces under its own name.
-  target_compile_definitions(${name} PRIVATE KORV_MODULE="${name}")
+  target_compile_definitions(${name} PRIVATE KORV_MODULE="${ARG_MODULE}")
   if(KORV_BUILD_TESTS)
     file(GLOB_RECURSE tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*.cpp)
     if(tests)
