@@ -1,5 +1,7 @@
 #include "kplatform_profile.h"
 
+#include "file_state.h"
+
 #include "kplatform_file.h"
 #include "kplatform_paths.h"
 
@@ -142,20 +144,6 @@ std::string_view unquote(std::string_view value) {
     return value;
 }
 
-struct FileState {
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-    timespec changed{};
-
-    bool operator==(const FileState& o) const {
-        return device == o.device && inode == o.inode && size == o.size &&
-               modified.tv_sec == o.modified.tv_sec && modified.tv_nsec == o.modified.tv_nsec &&
-               changed.tv_sec == o.changed.tv_sec && changed.tv_nsec == o.changed.tv_nsec;
-    }
-};
-
 struct CacheEntry {
     std::string path;
     FileState state;
@@ -179,7 +167,7 @@ bool read_file(const std::string& native, std::string& text, FileState& state) {
         errno = error;
         return false;
     }
-    state = FileState{st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim};
+    state = FileState::of(st);
     text.clear();
     text.reserve(static_cast<std::size_t>(st.st_size));
     char buffer[65536];
@@ -203,7 +191,7 @@ std::shared_ptr<const Profile> load(const std::string& native) {
     struct stat st;
     if (::stat(native.c_str(), &st) != 0)
         return nullptr;
-    const FileState now{st.st_dev, st.st_ino, st.st_size, st.st_mtim, st.st_ctim};
+    const FileState now = FileState::of(st);
     for (auto it = g_cache.begin(); it != g_cache.end(); ++it) {
         if (it->path != native)
             continue;

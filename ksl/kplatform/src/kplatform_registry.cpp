@@ -1,5 +1,7 @@
 #include "kplatform_registry.h"
 
+#include "file_state.h"
+
 #include "kplatform_paths.h"
 #include "kplatform_regfile.h"
 
@@ -26,23 +28,6 @@ namespace {
 using regfile::Key;
 using regfile::Registry;
 using regfile::Value;
-
-// What identifies one state of the file on disk.
-struct FileState {
-    bool exists = false;
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-    timespec changed{};
-
-    bool operator==(const FileState& other) const {
-        return exists == other.exists && device == other.device && inode == other.inode &&
-               size == other.size && modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec &&
-               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
-    }
-};
 
 // The registry as last read, for as long as the file keeps its state.
 struct Snapshot {
@@ -71,12 +56,7 @@ bool stat_file(const std::string& path, FileState& state, int& error) {
         error = errno;
         return error == ENOENT;
     }
-    state.exists = true;
-    state.device = st.st_dev;
-    state.inode = st.st_ino;
-    state.size = st.st_size;
-    state.modified = st.st_mtim;
-    state.changed = st.st_ctim;
+    state = FileState::of(st);
     return true;
 }
 
