@@ -1,0 +1,171 @@
+// The main dialog and owner of the active configuration.
+//
+// The object exists in every course of a run, also in the silent ones where it
+// never gets a window: it holds the active configuration in two forms (the
+// strings the dialog and wizard work in, the record the KorECon side works in),
+// reads and writes the stores of that configuration, and writes the files the
+// control software reads at its start. Members change first; controls are only
+// refreshed from them, and without a window a refresh does nothing.
+//
+// Member functions are spread over source files by concern: strings and
+// record, loader ini files, application ini, control files, machine tree,
+// camera list, catalogue.
+#pragma once
+
+#include "KIniData_template_core.h"
+#include "ui_framework.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class CMidSpanCfgApp;
+
+// The control family of the run.
+enum ProductType : std::int32_t {
+    ProductTypeMidspan = 0,
+    ProductTypeKorECon = 1,
+    ProductTypeMTMillikor = 2,
+};
+
+// The active configuration in the form the KorECon side and the control file
+// writers read.
+struct ActiveConfigRecord {
+    std::string order_no;
+    std::string machine;
+    std::string product_group;
+    std::string folder;
+    std::string proxy;
+};
+
+// One snapshot of the undo history. The three unit texts are fixed fields;
+// set_text cuts a longer value so that it always fits with its terminator.
+struct CfgHistoryEntry {
+    static constexpr std::size_t kTextSize = 256;
+
+    std::string group = "CONTOUR/SURFACE";
+    char drive_unit[kTextSize] = {};
+    char table[kTextSize] = {};
+    char stand[kTextSize] = {};
+    std::string folder;
+    std::string proxy;
+
+    static void set_text(char (&field)[kTextSize], const std::string& value);
+};
+
+// The parts of an active section string.
+struct ActiveSection {
+    std::string drive_unit;
+    std::string table;
+    std::string stand;
+    std::string control;
+};
+
+// What the loose scanner of an active section string found wrong.
+enum class ActiveSectionError { None, DriveUnit, Table, Stand };
+
+// --- Configuration strings. Group keys compare case-sensitively throughout.
+
+// The group key as it enters the history: legacy and unknown keys fold to
+// "CONTOUR/SURFACE".
+std::string NormaliseGroupKey(const std::string& group);
+// The fold used at start, which has no arm for "KORSURF".
+std::string NormaliseGroupKeyAtStart(const std::string& group);
+
+// Splits at any of `delimiters`, dropping empty tokens.
+std::vector<std::string> TokenizeString(const std::string& text, const std::string& delimiters);
+// Cuts a trailing comment introduced by "//", then "/*", then ";".
+std::string StripComment(const std::string& text);
+// Removes every blank, tab, CR and LF (and the other C white space).
+std::string StripWhitespace(const std::string& text);
+// Both of the above.
+std::string StripCommentAndWhitespace(const std::string& text);
+
+// DRIVEUNIT[..],TABLE[..],MEASURESTAND[..],CONTROL[..]
+std::string BuildActiveSectionString(const ActiveSection& parts);
+// The loose reader of that string; see the source for its rules.
+ActiveSectionError ScanActiveSection(const std::string& text, ActiveSection& parts);
+
+// The value of [General] active_section in form_load.ini.
+std::string BuildFormLoadString(const std::string& driveUnit, const std::string& table);
+// "manual", "automatic" or "No Table" for a table kind of a data sheet.
+std::string TableStringFromKind(int tableKind);
+// A stand as stored, from its list text: " (hor.)" becomes ":horizontal",
+// " (vert.)" ":vertical". False, with an error log line, when the kept part
+// is 256 bytes or longer.
+bool StandStringFromListText(const std::string& listText, std::string& stand);
+// The stand string for display: pieces translated whole, joined by ", ".
+std::string BuildStandDisplay(const std::string& stand);
+// The display form of a machine form string for group "KORSHAFT": token one,
+// or token one ":" typeWord ":" token three. False unless there are exactly
+// three tokens; `display` is then untouched.
+bool BuildMachineDisplay(const std::string& driveUnit, const std::string& typeWord,
+                         std::string& display);
+
+// --- Control files.
+
+// Sets the entry only when its value differs, so that an unchanged container
+// stays in sync with its file; an absent key reads as empty.
+void update_different_entry(korv::KIniData& ini, const std::string& section, const std::string& key,
+                            const std::string& value);
+
+class CMidSpanCfgDlg : public korv::ui::CDialog {
+public:
+    static constexpr int IDD = 102;
+
+    CMidSpanCfgDlg(ProductType productType, const std::string& appFolder,
+                   const std::string& workDir, CMidSpanCfgApp* pApp);
+    ~CMidSpanCfgDlg() override;
+
+    // --- Strings and record.
+    // Fills `record` from a machine form drive unit string "machine:x:order".
+    bool ConvertDrvunitStringToNewFormat(const std::string& driveUnit, const std::string& group,
+                                         const std::string& folder, const std::string& proxy,
+                                         ActiveConfigRecord& record);
+    void RebuildStandDisplay();
+
+    // --- Loader ini files (sp_load.ini, form_load.ini, load.ini).
+    // type 0 reads, 1 writes the store of the product type.
+    void INICfgFileIO(const std::string& folder, int type);
+    bool ReadSpLoadIni(const std::string& path);
+    bool WriteSpLoadIni(const std::string& path);
+    void WriteFormLoadIni(const std::string& path);
+    void ResetLoadIni();
+
+    // --- Application ini (RigCfg.ini) and legacy conversion.
+    void ReadAppIniFile();
+    // mode 0 reads with [Configuration] required, 2 reads tolerating its
+    // absence, anything else writes. A null `ini` opens RigCfg.ini.
+    bool CfgIniFileMachinIni(int mode, korv::KIniData* ini);
+    void ConvertIni(const std::string& folder);
+    bool ReadBoardTypeFromIniFile(const std::string& folder, std::string& board_type);
+    bool GetKorEConDynamicIniPath(std::string& path);
+
+    // --- Control files.
+    void UpdateConfigFilesKorEcon();
+    bool UpdateMachineTree(const std::string& folder);
+    bool UpdateCameraList(const std::string& folder);
+
+    // --- Catalogue.
+    bool InitCfgDataStructure(const std::string& cfgPath);
+    void FreeCfgDataStructure();
+
+    // Configuration, in this order.
+    std::int32_t m_productType;
+    ActiveConfigRecord m_record;
+    std::string m_appFolder;
+    std::string m_workDir;
+    std::int64_t m_wizardResult = 0;
+    std::string m_actGroup;
+    std::string m_actTable;
+    std::string m_actStand;
+    std::string m_actDriveUnit;
+    std::string m_actControl;
+    std::string m_actProxy;
+    CMidSpanCfgApp* m_pApp;
+    std::string m_iniFolder;
+    std::string m_iniFile;
+    std::string m_standDisplay;
+    std::string m_versionLabel;
+};

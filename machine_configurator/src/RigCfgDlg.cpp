@@ -1,0 +1,21 @@
+// The main dialog object: construction.
+#include "RigCfgDlg.h"
+
+#include "errtrace.h"
+#include "kversioninfo.h"
+
+CMidSpanCfgDlg::CMidSpanCfgDlg(ProductType productType, const std::string& appFolder,
+                               const std::string& workDir, CMidSpanCfgApp* pApp)
+    : korv::ui::CDialog(IDD), m_productType(productType), m_appFolder(appFolder),
+      m_workDir(workDir), m_pApp(pApp) {
+    m_versionLabel = "v" + korv::FileVersionInfo().GetFileVersion();
+    if (m_productType == ProductTypeMidspan)
+        KTRACE(4, "CMidSpanCfgDlg(): use product type MIDSPAN");
+    else if (m_productType == ProductTypeKorECon)
+        KTRACE(4, "CMidSpanCfgDlg(): use product type KORECON");
+    KTRACE(5, "CMidSpanCfgDlg(): use application folder %s", m_appFolder.c_str());
+}
+
+CMidSpanCfgDlg::~CMidSpanCfgDlg() {
+    FreeCfgDataStructure();
+}
