@@ -13,6 +13,7 @@
 #pragma once
 
 #include "KIniData_template_core.h"
+#include "data_sheets.h"
 #include "ui_framework.h"
 
 #include <cstddef>
@@ -64,6 +65,11 @@ struct ActiveSection {
 
 // What the loose scanner of an active section string found wrong.
 enum class ActiveSectionError { None, DriveUnit, Table, Stand };
+
+// The translation of a key of the program's catalogue.
+std::string TranslateText(const std::string& key);
+// A message box with the error icon, its text the translation of `key`.
+int ErrorMessageBox(const std::string& key);
 
 // --- Configuration strings. Group keys compare case-sensitively throughout.
 
@@ -124,6 +130,9 @@ public:
                                          const std::string& folder, const std::string& proxy,
                                          ActiveConfigRecord& record);
     void RebuildStandDisplay();
+    // Members to controls (false; rebuilds the stand display first) or back
+    // (true). Without a window the members are all there is, and it does nothing.
+    void RefreshControls(bool save);
 
     // --- Loader ini files (sp_load.ini, form_load.ini, load.ini).
     // type 0 reads, 1 writes the store of the product type.
@@ -168,4 +177,11 @@ public:
     std::string m_iniFile;
     std::string m_standDisplay;
     std::string m_versionLabel;
+
+    // --- Catalogue: the data sheets, owned here. Built by InitCfgDataStructure,
+    // null before a build and after FreeCfgDataStructure; tables and stands
+    // stay null for the families other than Midspan.
+    std::unique_ptr<MachineSheetList> m_machineSheets;
+    std::unique_ptr<TableSheetList> m_tableSheets;
+    std::unique_ptr<StandSheetList> m_standSheets;
 };

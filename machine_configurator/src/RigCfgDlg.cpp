@@ -2,6 +2,7 @@
 #include "RigCfgDlg.h"
 
 #include "errtrace.h"
+#include "ktranslate.h"
 #include "kversioninfo.h"
 
 CMidSpanCfgDlg::CMidSpanCfgDlg(ProductType productType, const std::string& appFolder,
@@ -18,4 +19,12 @@ CMidSpanCfgDlg::CMidSpanCfgDlg(ProductType productType, const std::string& appFo
 
 CMidSpanCfgDlg::~CMidSpanCfgDlg() {
     FreeCfgDataStructure();
+}
+
+std::string TranslateText(const std::string& key) {
+    return Translate(key, 0, nullptr, "RigCfg");
+}
+
+int ErrorMessageBox(const std::string& key) {
+    return korv::ui::AfxMessageBox(TranslateText(key), korv::ui::MB_ICONERROR);
 }
