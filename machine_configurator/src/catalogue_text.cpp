@@ -1,0 +1,57 @@
+#include "catalogue_text.h"
+
+#include "kplatform_profile.h"
+
+namespace {
+
+bool is_white(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
+}
+
+bool is_blank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+} // namespace
+
+std::string_view catalogue_strip_comment(std::string_view value) {
+    for (const std::string_view marker : {"//", "/*", ";"})
+        value = value.substr(0, value.find(marker));
+    return value;
+}
+
+std::string catalogue_clean_value(std::string_view value) {
+    std::string clean;
+    for (const char c : catalogue_strip_comment(value))
+        if (!is_white(c))
+            clean += c;
+    return clean;
+}
+
+std::string catalogue_trim_value(std::string_view value) {
+    value = catalogue_strip_comment(value);
+    while (!value.empty() && is_blank(value.front()))
+        value.remove_prefix(1);
+    while (!value.empty() && is_blank(value.back()))
+        value.remove_suffix(1);
+    return std::string(value);
+}
+
+std::string catalogue_join(const std::string& folder, std::string_view name) {
+    std::string path = folder;
+    if (!path.empty() && path.back() != '\\' && path.back() != '/')
+        path += '\\';
+    path += name;
+    return path;
+}
+
+std::string catalogue_profile(const std::string& section, const std::string& key,
+                              const char* fallback, const std::string& file, std::size_t size) {
+    char buffer[1024];
+    if (size > sizeof buffer)
+        size = sizeof buffer;
+    korv::platform::GetPrivateProfileStringA(section.c_str(), key.c_str(), fallback, buffer,
+                                             static_cast<korv::platform::DWORD>(size),
+                                             file.c_str());
+    return buffer;
+}

@@ -1,0 +1,96 @@
+// Installations for the catalogue tests: files written below a scratch
+// KORV_ROOT under their Windows paths, with CR LF line ends as on disk.
+#pragma once
+
+#include "errtrace.h"
+#include "log_capture.h"
+#include "scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <sys/fsuid.h>
+#include <vector>
+
+namespace catalogue_test {
+
+// The working folder of the test installations.
+inline const std::string kWork = "C:\\work\\";
+
+inline std::string crlf(const std::string& text) {
+    std::string out;
+    for (const char c : text) {
+        if (c == '\n')
+            out += '\r';
+        out += c;
+    }
+    return out;
+}
+
+// machine.ini of a folder tree, section [MACHINE] unless `section` says
+// otherwise; `extra` is appended as it stands.
+inline std::string machine_ini(const std::string& order, const std::string& group,
+                               const std::string& extra = "",
+                               const std::string& section = "MACHINE") {
+    return "[" + section + "]\nOrderNo=" + order + "\nProductGroup=" + group + "\n" + extra;
+}
+
+class Install : public korv::testing::ScratchRoot {
+public:
+    // Writes `text` to the Windows path `path` ("C:\\..."), LF becoming CR LF.
+    void write_c(const std::string& path, const std::string& text) const {
+        write(host_relative(path), crlf(text));
+    }
+    // Makes the folder `path` ("C:\\...") and those above it.
+    void folder_c(const std::string& path) const {
+        std::filesystem::create_directories(*this / host_relative(path));
+    }
+    // root\machine\order\machine.ini
+    void machine(const std::string& root, const std::string& name, const std::string& order,
+                 const std::string& ini) const {
+        write_c(root + "\\" + name + "\\" + order + "\\machine.ini", ini);
+    }
+    std::string host(const std::string& path) const { return *this / host_relative(path); }
+
+private:
+    static std::string host_relative(const std::string& path) {
+        std::string relative = "drive_c/" + path.substr(3);
+        std::replace(relative.begin(), relative.end(), '\\', '/');
+        return relative;
+    }
+};
+
+// Each test reads the error trace of a context of its own.
+class TraceContext {
+public:
+    TraceContext() { KErrTrace_BeginContext(); }
+    ~TraceContext() {
+        KErrTrace_ClearContext();
+        KErrTrace_EndContext();
+    }
+    static bool has(const std::string& part) {
+        const auto lines = korv::diag::error_trace_lines();
+        return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+            return line.find(part) != std::string::npos;
+        });
+    }
+};
+
+// Looks at files as an unprivileged user while it lives, so that permissions
+// hold for a test run as root too.
+class Unprivileged {
+public:
+    Unprivileged() { ::setfsuid(65534); }
+    ~Unprivileged() { ::setfsuid(0); }
+};
+
+inline int count_errors(const korv::testing::LogCapture& log, const std::string& part) {
+    const auto errors = log.errors();
+    return static_cast<int>(std::count_if(errors.begin(), errors.end(), [&](const std::string& e) {
+        return e.find(part) != std::string::npos;
+    }));
+}
+
+} // namespace catalogue_test
