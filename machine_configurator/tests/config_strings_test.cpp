@@ -61,6 +61,11 @@ TEST(ActiveSection, ScannerIsLoose) {
     EXPECT_EQ(parts.drive_unit, "MYTABLE[7");
     EXPECT_EQ(parts.table, "7");
 
+    // The bracket is looked for anywhere behind the keyword.
+    ASSERT_EQ(ScanActiveSection("DRIVEUNIT X,TABLE[t]", parts), ActiveSectionError::None);
+    EXPECT_EQ(parts.drive_unit, "t");
+    EXPECT_EQ(parts.table, "t");
+
     // The control scan has no error, only a wrong value.
     ASSERT_EQ(ScanActiveSection("DRIVEUNIT[U],CONTROL", parts), ActiveSectionError::None);
     EXPECT_EQ(parts.control, "");
