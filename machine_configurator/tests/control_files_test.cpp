@@ -1,0 +1,383 @@
+#include "rigcfg_files_fixture.h"
+
+#include <filesystem>
+
+using namespace rigcfg_test;
+
+namespace {
+
+constexpr const char* kComment = "       // don't start KorSim [changed by machine configurator]";
+
+std::string value_of(const std::string& file, const char* section, const char* key) {
+    korv::KIniData ini;
+    std::string value = "<absent>";
+    if (ini.Open(file))
+        ini.GetStringEntry(section, key, value);
+    return value;
+}
+
+class ControlFiles : public FilesTest {
+protected:
+    void SetUp() override {
+        FilesTest::SetUp();
+        dlg = make_dialog(ProductTypeKorECon);
+    }
+    // A configuration as the KorECon world holds it.
+    void configure(const std::string& group, const std::string& machine, const std::string& order,
+                   const std::string& proxy, const std::string& folder = "") {
+        dlg->m_record = {order, machine, group, folder, proxy};
+        dlg->m_actGroup = group;
+        dlg->m_actProxy = proxy;
+    }
+    std::string machine_folder(const std::string& name, const std::string& board) {
+        write(name + "/machine.ini", "[MACHINE]\r\nBoardType=" + board + "\r\n");
+        return std::string(kApp) + name + "\\";
+    }
+    std::string korecon(const char* section, const char* key) const {
+        return value_of(host("korecon.ini"), section, key);
+    }
+    std::string launcher_root() const { return value_of(host("launcher.ini"), "general", "root"); }
+    std::size_t trace_index(const std::string& part) const {
+        const std::vector<std::string> texts = log.traces();
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            if (texts[i].find(part) != std::string::npos)
+                return i;
+        return texts.size();
+    }
+
+    std::unique_ptr<CMidSpanCfgDlg> dlg;
+};
+
+TEST_F(ControlFiles, SimulationReportsItsIdentity) {
+    write("korecon.ini", "[configuration]\r\ndynamic_path=C:\\dyn\r\n[korecon_ioman]\r\nusb=1\r\n");
+    write("launcher.ini", "[general]\r\nroot=korecon\r\n[korsim]\r\n3=visualisation\r\n");
+    configure("KORSIM", "KorShaftScopeSim", "1234", "");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_EQ(read("korecon.ini"),
+              "[configuration]\r\nmachine_name=KorShaftScopeSim_1234\r\nmachine_serial=0000_08\r\n"
+              "machine_orderno=1234\r\n[korecon_ioman]\r\nusb=0\r\n");
+    EXPECT_EQ(read("launcher.ini"),
+              "[general]\r\nroot=korsim\r\n[korsim]\r\n3=" + std::string(kComment) + "\r\n");
+    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=Virtual\r\n");
+    EXPECT_TRUE(boxes.empty());
+
+    configure("KORSIM", "XY KMQ", "1234", "");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_EQ(korecon("configuration", "machine_name"), "XY KMQ");
+    EXPECT_EQ(korecon("configuration", "machine_serial"), "0000_1234");
+    EXPECT_EQ(value_of(host("launcher.ini"), "korsim", "3"), "visualisation");
+
+    // Leaving the simulation drops the identity and names the folder again.
+    configure("FORM", "KMQ 1", "9", "", std::string(kApp) + "m\\");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_EQ(read("korecon.ini"), "[configuration]\r\ndynamic_path=" + std::string(kApp) +
+                                       "m\\\r\n[korecon_ioman]\r\nusb=1\r\n");
+    EXPECT_EQ(launcher_root(), "korecon");
+
+    configure("KORSIM", "XY", "1", "");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_EQ(korecon("configuration", "dynamic_path"), "<absent>");
+}
+
+TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
+    write("launcher.ini", "[general]\r\nroot=x\r\n");
+    const struct {
+        const char* group;
+        const char* board;
+        const char* proxy;
+        const char* root;
+        const char* usb;
+    } rows[] = {
+        {"KORSIM", "KECPU", "cameraproxy", "korsim", "0"},
+        {"FORM", "KECPU", "cameraproxy", "korecon", "1"},
+        {"FORM", "PPC-A21", "korecon", "ppc", "0"},
+        {"FORM", "ARM-Platform", "", "ppc", "0"},
+        {"KORSHAFT", "PPC-A21", "cameraproxy", "proxy", "0"},
+        {"KORGEAR", "Win_x64", "fiberproxy", "proxy", "0"},
+        {"KORGEAR", "", "", "ppc", "0"},
+        {"PLATFORM_COMPONENTS", "", "cncproxy", "ppc", "0"},
+        {"KORSURF", "ppc-a21", "", "ppc", "0"}, // unknown board: as if empty
+        {"FORM", "", "", "korecon", "1"},
+        {"KOROPTO", "", "twiproxy", "korecon", "1"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.group) + " " + row.board + " " + row.proxy);
+        configure(row.group, "M", "1", row.proxy, machine_folder("m", row.board));
+        log.clear();
+        dlg->UpdateConfigFilesKorEcon();
+        EXPECT_EQ(launcher_root(), row.root);
+        EXPECT_EQ(korecon("korecon_ioman", "usb"), row.usb);
+        EXPECT_TRUE(boxes.empty());
+        EXPECT_EQ(
+            has_trace("CMidSpanCfgDlg::UpdateConfigFilesKorEcon; unknown board type \"ppc-a21\" "
+                      "from folder \"" +
+                      std::string(kApp) + "m\\\""),
+            std::string(row.board) == "ppc-a21");
+    }
+}
+
+TEST_F(ControlFiles, FilesAreWrittenInTheirOrder) {
+    write("launcher.ini", "[general]\r\nroot=ppc\r\n");
+    configure("FORM", "M", "1", "fiberproxy");
+    dlg->UpdateConfigFilesKorEcon();
+    const std::size_t tree = trace_index("mtmachineloader.ini updated to");
+    const std::size_t camera = trace_index("qidcamera.ini updated");
+    const std::size_t core = trace_index("save done for " + std::string(kApp) + "korecon.ini");
+    const std::size_t launch = trace_index("set [general] root= korecon");
+    ASSERT_LT(launch, log.traces().size());
+    EXPECT_LT(tree, camera);
+    EXPECT_LT(camera, core);
+    EXPECT_LT(core, launch);
+    EXPECT_EQ(read("mtmachineloader.ini"),
+              "[MachineTree]\r\nroot=fiberproxy\r\nfiberproxy=m2kortalk,qidcamera\r\n");
+    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=ABS_LC9010\r\n");
+    EXPECT_EQ(launcher_root(), "korecon");
+}
+
+TEST_F(ControlFiles, UnchangedConfigurationRewritesOnlyKoreconIni) {
+    write("launcher.ini", "[general]\r\nroot=korecon\r\n");
+    configure("FORM", "M", "1", "interpolcncproxy");
+    dlg->UpdateConfigFilesKorEcon();
+    const char* files[] = {"launcher.ini",           "mtmachineloader.ini",  "m2kortalk.ini",
+                           "m2kortalk_cnctable.ini", "camera/qidcamera.ini", "korecon.ini"};
+    std::vector<long long> before;
+    for (const char* file : files) {
+        ASSERT_TRUE(exists(file)) << file;
+        age(file);
+        before.push_back(mtime(file));
+    }
+    dlg->UpdateConfigFilesKorEcon();
+    for (std::size_t i = 0; i + 1 < std::size(files); ++i)
+        EXPECT_EQ(mtime(files[i]), before[i]) << files[i];
+    EXPECT_NE(mtime("korecon.ini"), before.back());
+    EXPECT_TRUE(boxes.empty());
+}
+
+TEST_F(ControlFiles, MissingLauncherIsNeitherCreatedNorAnError) {
+    configure("FORM", "M", "1", "");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_FALSE(exists("launcher.ini"));
+    EXPECT_TRUE(exists("korecon.ini"));
+    EXPECT_TRUE(boxes.empty());
+    EXPECT_TRUE(own_errors().empty());
+}
+
+TEST_F(ControlFiles, FailureShowsOneBoxNamingLauncherIni) {
+    dlg->m_appFolder = std::string(kApp) + "gone\\";
+    configure("FORM", "M", "1", "cncproxy");
+    dlg->UpdateConfigFilesKorEcon();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_EQ(boxes[0].text,
+              "Error: Can't update korecon.ini.msg\n\n" + dlg->m_appFolder + "launcher.ini");
+    EXPECT_EQ(boxes[0].type, korv::ui::MB_ICONSTOP);
+    EXPECT_TRUE(log.has_error("UpdateMachineTree(): machine_tree.Save() failed"));
+    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon(): UpdateMachineTree(" +
+                              dlg->m_appFolder + ") failed"));
+    EXPECT_TRUE(log.has_error("StoreConfigFolder_KorEcon() mini::Save() failed"));
+    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon()  failed"));
+    EXPECT_FALSE(exists("gone"));
+}
+
+TEST_F(ControlFiles, BadInputFilesTakeTheirPaths) {
+    // A korecon.ini that does not parse ends the update before anything is written.
+    write("korecon.ini", "[configuration]\r\nno entry\r\n");
+    configure("FORM", "M", "1", "fiberproxy");
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon(): mini.Open(" +
+                              std::string(kApp) + ") failed "));
+    EXPECT_EQ(read("korecon.ini"), "[configuration]\r\nno entry\r\n");
+    EXPECT_FALSE(exists("mtmachineloader.ini"));
+    EXPECT_TRUE(boxes.empty());
+
+    // A machine.ini with a UTF-16 mark counts as no board type.
+    write("korecon.ini", "");
+    write("launcher.ini", "[general]\r\nroot=ppc\r\n");
+    write("m/machine.ini", std::string("\xFF\xFE[\0M\0", 6));
+    configure("FORM", "M", "1", "", std::string(kApp) + "m\\");
+    log.clear();
+    dlg->UpdateConfigFilesKorEcon();
+    EXPECT_TRUE(
+        log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon():ReadBoardTypeFromIniFile() "
+                      "failed"));
+    EXPECT_EQ(launcher_root(), "korecon");
+    EXPECT_EQ(korecon("korecon_ioman", "usb"), "1");
+    EXPECT_TRUE(boxes.empty());
+}
+
+TEST_F(ControlFiles, UpdateDifferentEntryKeepsAnEqualContainerInSync) {
+    write("t.ini", "[s]\r\nk=v\r\n");
+    korv::KIniData ini;
+    ASSERT_TRUE(ini.Open(host("t.ini")));
+    update_different_entry(ini, "s", "k", "v");
+    update_different_entry(ini, "s", "absent", "");
+    EXPECT_TRUE(ini.in_sync);
+    EXPECT_TRUE(has_trace("update_different_entry(): [s] k in " + host("t.ini") + " is already v"));
+    update_different_entry(ini, "s", "k", "w");
+    EXPECT_FALSE(ini.in_sync);
+    EXPECT_TRUE(has_trace("update_different_entry(): [s] k in " + host("t.ini") +
+                          " updated to 'w' (was 'v')"));
+    EXPECT_EQ(ini.GetContentString(), "[s]\nk=w\n");
+}
+
+struct TreeCase {
+    const char* proxy;
+    const char* group;
+    const char* loader;
+    const char* talk;
+    const char* cnc;
+};
+
+TEST_F(ControlFiles, MachineTreePerProxy) {
+    const TreeCase cases[] = {
+        {"cameraproxy", "KORGEOMETRY",
+         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=m2kortalk,qidcamera\r\n",
+         "[connection]\r\nhost=192.168.111.1\r\n", ""},
+        {"cameraproxy", "FORM",
+         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n", "", ""},
+        {"interpolproxy", "KORSIM",
+         "[MachineTree]\r\nroot=interpolproxy\r\ninterpolproxy=korecon,qidcamera\r\n",
+         "[connection]\r\nhost=192.168.111.1\r\n", ""},
+        {"interpolproxy", "FORM",
+         "[MachineTree]\r\nroot=interpolproxy\r\ninterpolproxy=m2kortalk,qidcamera\r\n",
+         "[connection]\r\nhost=192.168.111.1\r\n", ""},
+        {"interpolcncproxy", "FORM",
+         "[MachineTree]\r\nroot=interpolcncproxy\r\n"
+         "interpolcncproxy=m2kortalk,qidcamera,m2kortalk_cnctable\r\n"
+         "[MachineTypes]\r\ninterpolcncproxy=proxy\r\nm2kortalk_cnctable=m2kortalk\r\n",
+         "[connection]\r\nhost=192.168.111.1\r\n", "[connection]\r\nhost=192.168.111.1\r\n"},
+        {"cncproxy", "FORM",
+         "[MachineTree]\r\nroot=cncproxy\r\ncncproxy=korecon,m2kortalk,m2kortalk_cnctable\r\n"
+         "[MachineTypes]\r\ncncproxy=proxy\r\nm2kortalk_cnctable=m2kortalk\r\n",
+         "[connection]\r\nhost=192.168.70.73\r\n", "[connection]\r\nhost=192.168.70.73\r\n"},
+        {"fiberproxy", "FORM",
+         "[MachineTree]\r\nroot=fiberproxy\r\nfiberproxy=m2kortalk,qidcamera\r\n", "", ""},
+        {"m2kortalk", "FORM", "[MachineTree]\r\nroot=m2kortalk\r\n",
+         "[connection]\r\nhost=192.168.111.1\r\n", ""},
+        {"korcommission_cameraproxy", "FORM",
+         "[MachineTree]\r\nroot=korcommission_cameraproxy\r\nkorcommission_cameraproxy="
+         "qidcamera\r\n"
+         "[MachineTypes]\r\nkorcommission_cameraproxy=proxy\r\n",
+         "", ""},
+        {"twiproxy", "FORM",
+         "[MachineTree]\r\nroot=twiproxy\r\ntwiproxy=m2kortalk,qidcamera,np_conex-cc,pie625,"
+         "pigcs2\r\n"
+         "[MachineTypes]\r\ntwiproxy=proxy\r\n",
+         "", ""},
+        {"", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "", ""},
+        {"korecon", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "", ""},
+    };
+    for (const TreeCase& c : cases) {
+        SCOPED_TRACE(std::string(c.proxy) + " " + c.group);
+        for (const char* file : {"mtmachineloader.ini", "m2kortalk.ini", "m2kortalk_cnctable.ini"})
+            std::filesystem::remove(host(file));
+        configure(c.group, "M", "1", c.proxy);
+        log.clear();
+        ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
+        EXPECT_EQ(read("mtmachineloader.ini"), c.loader);
+        EXPECT_EQ(read("m2kortalk.ini"), c.talk);
+        EXPECT_EQ(read("m2kortalk_cnctable.ini"), c.cnc);
+        EXPECT_EQ(dlg->m_record.proxy, c.proxy);
+        EXPECT_TRUE(own_errors().empty());
+        EXPECT_FALSE(exists("m2kortalk_cnctable")); // the legacy file is never created
+    }
+}
+
+TEST_F(ControlFiles, UnknownProxyFallsBackAndTheLineNamesKorecon) {
+    configure("FORM", "M", "1", "foo");
+    dlg->m_record.proxy = "stale";
+    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
+    EXPECT_EQ(dlg->m_actProxy, "korecon");
+    EXPECT_EQ(dlg->m_record.proxy, "korecon");
+    EXPECT_EQ(read("mtmachineloader.ini"), "[MachineTree]\r\nroot=korecon\r\n");
+    EXPECT_EQ(own_errors(),
+              std::vector<std::string>{"CMidSpanCfgDlg::UpdateMachineTree:(): unknown proxy : "
+                                       "korecon, set to default [MachineTree] root=korecon"});
+}
+
+TEST_F(ControlFiles, LegacyFileOnlyWhenItIsThere) {
+    write("m2kortalk_cnctable/m2kortalk.ini", "[connection]\r\nhost=1.2.3.4\r\nport=7\r\n");
+    configure("FORM", "M", "1", "cncproxy");
+    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
+    EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"),
+              "[connection]\r\nhost=192.168.70.73\r\nport=7\r\n");
+
+    // One that cannot be read is passed over, and its trouble forgotten.
+    write("m2kortalk_cnctable/m2kortalk.ini", std::string("\xFE\xFF\0[", 4));
+    KERRTRACE("earlier line");
+    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
+    EXPECT_TRUE(has_trace("CMidSpanCfgDlg::UpdateMachineTree(): *NOT* updating legacy file "));
+    EXPECT_TRUE(korv::diag::error_trace_lines().empty());
+    EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"), std::string("\xFE\xFF\0[", 4));
+}
+
+TEST_F(ControlFiles, MachineTreeFailures) {
+    EXPECT_FALSE(dlg->UpdateMachineTree(std::string(kApp) + "gone\\"));
+    EXPECT_TRUE(in_error_trace("UpdateMachineTree(): machine_tree.Save() failed"));
+    EXPECT_FALSE(exists("gone"));
+
+    KErrTrace_ClearContext();
+    write("m2kortalk.ini", "garbage line\r\n");
+    configure("FORM", "M", "1", "m2kortalk");
+    EXPECT_FALSE(dlg->UpdateMachineTree(kApp));
+    EXPECT_TRUE(in_error_trace("UpdateMachineTree(): failed to open " + std::string(kApp) +
+                               "m2kortalk.ini"));
+    EXPECT_FALSE(exists("mtmachineloader.ini"));
+}
+
+TEST_F(ControlFiles, CameraListCases) {
+    configure("KORSIM", "M", "1", "");
+    ASSERT_TRUE(dlg->UpdateCameraList(kApp));
+    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=Virtual\r\n");
+    std::filesystem::remove_all(host("camera"));
+
+    const struct {
+        const char* machine;
+        const char* proxy;
+        const char* camera;
+    } rows[] = {
+        {"KorShaftScope", "cameraproxy", "ABS_UK1155"},
+        {"KorShaftScope250", "cameraproxy", "ABS_UK31256"},
+        {"KorShaftScope100", "cameraproxy", nullptr},
+        {"M", "interpolproxy", "ABS_UK31443"},
+        {"M", "interpolcncproxy", "ABS_UK31443"},
+        {"M", "fiberproxy", "ABS_LC9010"},
+        {"M", "korcommission_cameraproxy", "ABS_UK31256"},
+        {"M", "twiproxy", "AVT"},
+        {"M", "cncproxy", nullptr},
+        {"M", "", nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.machine) + " " + row.proxy);
+        configure("FORM", row.machine, "1", row.proxy);
+        ASSERT_TRUE(dlg->UpdateCameraList(kApp));
+        if (row.camera) {
+            EXPECT_EQ(read("camera/qidcamera.ini"),
+                      "[ConManPlugin]\r\ncamera_1=" + std::string(row.camera) + "\r\n");
+        } else {
+            EXPECT_FALSE(exists("camera"));
+        }
+        std::filesystem::remove_all(host("camera"));
+    }
+}
+
+TEST_F(ControlFiles, CameraListLeavesARightOrForeignFileAlone) {
+    write("camera/qidcamera.ini", "; cameras\r\n[ConManPlugin]\r\ncamera_1=AVT\r\n");
+    age("camera/qidcamera.ini");
+    const long long before = mtime("camera/qidcamera.ini");
+    configure("FORM", "M", "1", "twiproxy");
+    ASSERT_TRUE(dlg->UpdateCameraList(kApp));
+    configure("FORM", "M", "1", "cncproxy");
+    ASSERT_TRUE(dlg->UpdateCameraList(kApp));
+    EXPECT_EQ(mtime("camera/qidcamera.ini"), before);
+
+    // A file where the folder should be.
+    std::filesystem::remove_all(host("camera"));
+    write("camera", "not a folder");
+    configure("FORM", "M", "1", "twiproxy");
+    EXPECT_FALSE(dlg->UpdateCameraList(kApp));
+    EXPECT_TRUE(in_error_trace("CMidSpanCfgDlg::UpdateCameraList(): dir_mk(" + std::string(kApp) +
+                               "camera) failed"));
+    EXPECT_EQ(read("camera"), "not a folder");
+}
+
+} // namespace
