@@ -1,6 +1,7 @@
 #include "errtrace.h"
 #include "fastfile.h"
 #include "fastfile_lowlevel.h"
+#include "fastfile_scan.h"
 #include "fileops.h"
 
 #include <cerrno>
@@ -18,34 +19,68 @@ struct FreeDeleter {
 };
 using MallocBuffer = std::unique_ptr<char[], FreeDeleter>;
 
-// CR LF and a lone CR become LF, in place; the new length.
+// CR LF and a lone CR become LF, in place; the new length. Runs between
+// endings move in one piece.
 std::size_t lines_to_lf(char* text, std::size_t size) {
-    std::size_t out = 0;
-    for (std::size_t in = 0; in < size; ++in) {
-        if (text[in] == '\r') {
-            text[out++] = '\n';
-            if (in + 1 < size && text[in + 1] == '\n')
-                ++in;
-        } else {
-            text[out++] = text[in];
-        }
+    const char* in = text;
+    const char* const end = text + size;
+    char* out = text;
+    for (;;) {
+        const char* stop = detail::find_first_of2(in, end, '\r', '\n');
+        const auto run = static_cast<std::size_t>(stop - in);
+        if (out != in)
+            std::memmove(out, in, run);
+        out += run;
+        if (stop == end)
+            break;
+        const char ending = *stop; // `out` may be about to overwrite it
+        *out++ = '\n';
+        in = stop + 1;
+        if (ending == '\r' && in < end && *in == '\n')
+            ++in;
     }
-    return out;
+    return static_cast<std::size_t>(out - text);
 }
 
-// LF and a lone CR become CR LF; `out` holds twice `size`. The new length.
-std::size_t lines_to_crlf(const char* text, std::size_t size, char* out) {
+// LF and a lone CR become CR LF, from `in` on into `out`, until the input ends
+// or `room` is used up; `in` moves past what was taken. The bytes produced. The
+// scan never looks further than the room allows, so a long run without line
+// endings costs no more than its length.
+std::size_t lines_to_crlf(const char*& in, const char* end, char* out, std::size_t room) {
+    char* at = out;
+    char* const out_end = out + room;
+    while (in < end) {
+        const auto left = static_cast<std::size_t>(out_end - at);
+        const char* limit = static_cast<std::size_t>(end - in) > left ? in + left : end;
+        const char* stop = detail::find_first_of2(in, limit, '\r', '\n');
+        const auto run = static_cast<std::size_t>(stop - in);
+        std::memcpy(at, in, run);
+        at += run;
+        in = stop;
+        if (stop == limit || out_end - at < 2)
+            break;
+        *at++ = '\r';
+        *at++ = '\n';
+        ++in;
+        if (*stop == '\r' && in < end && *in == '\n')
+            ++in;
+    }
+    return static_cast<std::size_t>(at - out);
+}
+
+// The length of `size` bytes once LF and a lone CR have become CR LF.
+std::size_t crlf_length(const char* in, std::size_t size) {
+    const char* const end = in + size;
     std::size_t length = 0;
-    for (std::size_t in = 0; in < size; ++in) {
-        const char c = text[in];
-        if (c == '\r' || c == '\n') {
-            out[length++] = '\r';
-            out[length++] = '\n';
-            if (c == '\r' && in + 1 < size && text[in + 1] == '\n')
-                ++in;
-        } else {
-            out[length++] = c;
-        }
+    while (in < end) {
+        const char* stop = detail::find_first_of2(in, end, '\r', '\n');
+        length += static_cast<std::size_t>(stop - in);
+        if (stop == end)
+            break;
+        length += 2;
+        in = stop + 1;
+        if (*stop == '\r' && in < end && *in == '\n')
+            ++in;
     }
     return length;
 }
@@ -80,11 +115,12 @@ std::int64_t read_whole(const char* caller, const std::string& path, std::string
     return count;
 }
 
-// Writes all of `data`, flushes if asked and the write went well, and closes
-// in any case; false if any step failed.
-bool write_and_close(platform::FileHandle file, const void* data, std::size_t size, bool flush,
-                     std::size_t& written) {
-    bool ok = detail::write64(file, data, size, written);
+// Puts the bytes of a file out through `body(file, written)`, which is false
+// if a write failed; flushes if asked and the writes went well, and closes in
+// any case. False if any step failed.
+template <class Body>
+bool write_and_close(platform::FileHandle file, Body& body, bool flush, std::size_t& written) {
+    bool ok = body(file, written);
     if (!ok)
         KERRTRACE("%s(): write64() failed", "KFastFile_WriteAtOnce");
     if (ok && flush && !platform::flush_file(file)) {
@@ -100,8 +136,8 @@ bool write_and_close(platform::FileHandle file, const void* data, std::size_t si
     return ok;
 }
 
-std::int64_t write_plain(const std::string& path, const void* data, std::size_t size, int mode,
-                         bool flush) {
+template <class Body>
+std::int64_t write_plain(const std::string& path, int mode, bool flush, Body& body) {
     const platform::FileHandle file = detail::openwritefile(path, mode);
     if (file == platform::INVALID_FILE_HANDLE) {
         KERRTRACE("%s(): openwritefile(%s, %d) failed", "KFastFile_WriteAtOnce", path.c_str(),
@@ -109,13 +145,12 @@ std::int64_t write_plain(const std::string& path, const void* data, std::size_t 
         return -1;
     }
     std::size_t written = 0;
-    return write_and_close(file, data, size, flush, written) ? static_cast<std::int64_t>(written)
-                                                             : -1;
+    return write_and_close(file, body, flush, written) ? static_cast<std::int64_t>(written) : -1;
 }
 
 // Writes a temporary file beside the target, so that the rename stays on one
 // volume and readers see the whole old file or the whole new one.
-std::int64_t write_atomic(const std::string& path, const void* data, std::size_t size) {
+template <class Body> std::int64_t write_atomic(const std::string& path, Body& body) {
     // The folder part is never longer than the path.
     std::unique_ptr<char[]> folder(new (std::nothrow) char[path.size() + 1]);
     if (!folder) {
@@ -136,7 +171,7 @@ std::int64_t write_atomic(const std::string& path, const void* data, std::size_t
         return -1;
     }
     std::size_t written = 0;
-    bool failed = !write_and_close(file, data, size, true, written);
+    bool failed = !write_and_close(file, body, true, written);
     // The rename runs after a failed write too, as it always has.
     if (!file_rename(temp_name, path)) {
         KERRTRACE("KFastFile_WriteAtOnce(): file_rename(%s,%s) failed: %s", temp_name.c_str(),
@@ -144,6 +179,15 @@ std::int64_t write_atomic(const std::string& path, const void* data, std::size_t
         failed = true;
     }
     return failed ? -1 : static_cast<std::int64_t>(written);
+}
+
+// The whole-file write by mode: the flush bit taken out, atomic or in place.
+template <class Body> std::int64_t write_by_mode(const std::string& path, int mode, Body& body) {
+    const bool flush = (mode & KFF_FLUSH) != 0;
+    mode &= ~KFF_FLUSH;
+    if (mode == (KFF_REPLACE | KFF_ATOMIC))
+        return write_atomic(path, body);
+    return write_plain(path, mode, flush, body);
 }
 
 } // namespace
@@ -193,28 +237,42 @@ std::int64_t KFastFile_ReadLinesAtOnce(const std::string& path, std::string& out
 
 std::int64_t KFastFile_WriteAtOnce(const std::string& path, const void* data, std::size_t size,
                                    int mode) {
-    const bool flush = (mode & KFF_FLUSH) != 0;
-    mode &= ~KFF_FLUSH;
-    if (mode == (KFF_REPLACE | KFF_ATOMIC))
-        return write_atomic(path, data, size);
-    return write_plain(path, data, size, mode, flush);
+    auto body = [data, size](platform::FileHandle file, std::size_t& written) {
+        return detail::write64(file, data, size, written);
+    };
+    return write_by_mode(path, mode, body);
 }
 
 std::int64_t KFastFile_WriteLinesAtOnce(const std::string& path, const char* data, std::size_t size,
                                         int mode) {
-    // Every byte becomes two at most.
-    const std::size_t room = size > SIZE_MAX / 2 ? 0 : (size ? 2 * size : 1);
-    MallocBuffer converted(room ? static_cast<char*>(std::malloc(room)) : nullptr);
+    // Converted a piece at a time, so that a large text needs no second copy
+    // of itself. Every byte becomes two at most.
+    constexpr std::size_t kPiece = 64 * 1024;
+    const std::size_t room = size > kPiece / 2 ? kPiece : (size ? 2 * size : 2);
+    MallocBuffer converted(static_cast<char*>(std::malloc(room)));
     if (!converted) {
-        KERRTRACE("KFastFile_WriteLinesAtOnce(): malloc(%zu) failed: %.50s", size * 2,
+        KERRTRACE("KFastFile_WriteLinesAtOnce(): malloc(%zu) failed: %.50s", room,
                   std::strerror(ENOMEM));
         return -1;
     }
-    const std::size_t length = lines_to_crlf(data, size, converted.get());
-    const std::int64_t written = KFastFile_WriteAtOnce(path, converted.get(), length, mode);
+    auto body = [&](platform::FileHandle file, std::size_t& written) {
+        written = 0;
+        const char* in = data;
+        const char* const end = data + size;
+        while (in < end) {
+            const std::size_t length = lines_to_crlf(in, end, converted.get(), room);
+            std::size_t put = 0;
+            const bool ok = detail::write64(file, converted.get(), length, put);
+            written += put;
+            if (!ok)
+                return false;
+        }
+        return true;
+    };
+    const std::int64_t written = write_by_mode(path, mode, body);
     if (written < 0) {
         KERRTRACE("KFastFile_WriteLinesAtOnce(): KFastFile_WriteAtOnce(\"%s\",..,%zu,%d) failed",
-                  path.c_str(), length, mode);
+                  path.c_str(), crlf_length(data, size), mode);
         return -1;
     }
     return written;

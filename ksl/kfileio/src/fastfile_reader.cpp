@@ -1,6 +1,7 @@
 #include "errtrace.h"
 #include "fastfile.h"
 #include "fastfile_lowlevel.h"
+#include "fastfile_scan.h"
 
 #include <cstring>
 
@@ -144,9 +145,7 @@ bool KFastFileReader::ReadLine(std::string& line) {
             if (cursor >= buffer_end)
                 return true;
         }
-        char* end = cursor;
-        while (end < buffer_end && *end != '\r' && *end != '\n')
-            ++end;
+        char* const end = detail::find_first_of2(cursor, buffer_end, '\r', '\n');
         line.append(cursor, end);
         cursor = end;
         if (end == buffer_end)
@@ -178,9 +177,7 @@ int KFastFileReader::copy_until(char* target, std::size_t max, char stop1, char 
         const std::size_t room = max - count;
         const auto held = static_cast<std::size_t>(buffer_end - cursor);
         char* const end = cursor + (held < room ? held : room);
-        char* at = cursor;
-        while (at < end && *at != stop1 && *at != stop2)
-            ++at;
+        char* const at = detail::find_first_of2(cursor, end, stop1, stop2);
         std::memcpy(target + count, cursor, static_cast<std::size_t>(at - cursor));
         count += static_cast<std::size_t>(at - cursor);
         cursor = at;
