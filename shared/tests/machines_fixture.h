@@ -1,10 +1,9 @@
-// A temporary KORV_ROOT with the configuration data folder in it, and the
-// helpers to put machine files there and read them back.
+// A temporary KORV_ROOT holding the configuration data folder, with helpers to
+// put machine files there and read them back.
 #pragma once
 
 #include "Configs.h"
 #include "common.h"
-#include "errtrace.h"
 #include "log_capture.h"
 #include "scratch_dir.h"
 
@@ -12,37 +11,32 @@
 
 #include <filesystem>
 #include <memory>
-#include <string>
+
+using Strings = std::vector<std::string>;
 
 // True if a record of that channel and level has exactly that text.
 inline bool logged(const korv::testing::LogCapture& log, korv::diag::Channel channel, int level,
                    const std::string& text) {
-    for (const korv::diag::LogRecord& record : log.records())
-        if (record.channel == channel && record.level == level && record.text == text)
+    for (const korv::diag::LogRecord& r : log.records())
+        if (r.channel == channel && r.level == level && r.text == text)
             return true;
     return false;
-}
-inline bool error_logged(const korv::testing::LogCapture& log, const std::string& text) {
-    return logged(log, korv::diag::Channel::ErrorLog, 0, text);
 }
 
 class MachinesTest : public ::testing::Test {
 protected:
-    // Host paths below the root.
-    static constexpr const char* kDataFolder = "drive_c/ProgramData/Korv/KorSystemConfig/";
     static constexpr const char* kMachines = "drive_c/ProgramData/Korv/KorSystemConfig/machines/";
     // The machines folder as the library names it in messages.
-    static constexpr const char* kWinMachines =
-        "C:\\ProgramData\\Korv\\KorSystemConfig\\machines\\";
+    static constexpr const char* kWin = "C:\\ProgramData\\Korv\\KorSystemConfig\\machines\\";
 
+    // The macro table logs the registry values it misses once, here.
     void SetUp() override {
-        // The macro table logs the registry values it misses once, here.
         Expand_ClearTable();
         Expand("");
     }
     void TearDown() override { Expand_ClearTable(); }
 
-    // A Configs over the data folder as it stands, tracing everything.
+    // Built on first use, over the data folder as it stands, tracing everything.
     Configs& configs() {
         if (!m_configs) {
             m_configs = std::make_unique<Configs>();
@@ -50,32 +44,12 @@ protected:
         }
         return *m_configs;
     }
-
     void machine(const std::string& name, const std::string& text) const {
         m_root.write(kMachines + name, text);
     }
-    std::string machine_text(const std::string& name) const {
-        return m_root.read(kMachines + name);
-    }
-    // A file that the reader refuses, with the message it must leave.
-    struct Refusal {
-        std::string text;
-        korv::diag::Channel channel;
-        int level;
-        std::string message;
-    };
-    void expect_refused(const std::string& name, const Refusal& r) {
-        machine(name, r.text);
-        korv::testing::LogCapture log;
-        MachineEntry e;
-        EXPECT_FALSE(configs().ReadMachineFile(name, e)) << r.text;
-        EXPECT_TRUE(logged(log, r.channel, r.level, r.message)) << r.message;
-        EXPECT_TRUE(
-            logged(log, korv::diag::Channel::ErrorLog, 0, "Configs::ReadMachineFile(): failed"));
-    }
-
-    bool machine_exists(const std::string& name) const {
-        return std::filesystem::exists(m_root / (kMachines + name));
+    std::string text(const std::string& name) const { return m_root.read(kMachines + name); }
+    bool exists(const std::string& relative) const {
+        return std::filesystem::exists(m_root / relative);
     }
 
     korv::testing::ScratchRoot m_root;
@@ -83,11 +57,9 @@ protected:
     std::unique_ptr<Configs> m_configs;
 };
 
-// A tcp machine with the product P1, unless `general_extra` names products.
-inline std::string plain_machine(const std::string& general_extra = "",
-                                 const std::string& more_sections = "") {
-    const bool products = general_extra.find("products=") != std::string::npos;
-    return "[general]\nmachine=M1\n" + std::string(products ? "" : "products=P1\n") +
-           general_extra + "[connection]\ntype=tcp\ntcp.host=10.0.0.1\ntcp.port=4000\n" +
-           more_sections;
+// A tcp machine with the product P1, unless `general` names products.
+inline std::string plain_machine(const std::string& general = "", const std::string& more = "") {
+    const bool products = general.find("products=") != std::string::npos;
+    return "[general]\nmachine=M1\n" + std::string(products ? "" : "products=P1\n") + general +
+           "[connection]\ntype=tcp\ntcp.host=10.0.0.1\ntcp.port=4000\n" + more;
 }
