@@ -10,47 +10,37 @@ bool level_on(int level) {
     return _KTrace_TestLevel("RigCfg", level) != 0;
 }
 
-class AppIni : public FilesTest {};
+using AppIni = FilesTest;
 
-TEST_F(AppIni, FirstRunCreatesTheGeneralKeys) {
+TEST_F(AppIni, TraceLevelFromTheFileHeldToItsRange) {
     auto dlg = make_dialog(ProductTypeMidspan);
     dlg->ReadAppIniFile();
     EXPECT_EQ(read("RigCfg.ini"), kFreshRigCfg);
-    EXPECT_TRUE(level_on(4));
-    EXPECT_FALSE(level_on(5));
+    EXPECT_TRUE(level_on(4) && !level_on(5));
     EXPECT_TRUE(own_errors().empty());
-    EXPECT_EQ(dlg->m_productType, ProductTypeMidspan);
-}
 
-TEST_F(AppIni, TraceLevelIsHeldToItsRangeWithoutTouchingTheFile) {
-    auto dlg = make_dialog(ProductTypeMidspan);
     write("RigCfg.ini", "[General]\r\ndel_log_file=0\r\nktrace_level=9\r\n");
     age("RigCfg.ini");
-    const long long before = mtime("RigCfg.ini");
+    const auto before = mtime("RigCfg.ini");
     dlg->ReadAppIniFile();
     EXPECT_TRUE(level_on(5));
-    EXPECT_EQ(read("RigCfg.ini"), "[General]\r\ndel_log_file=0\r\nktrace_level=9\r\n");
     EXPECT_EQ(mtime("RigCfg.ini"), before);
 
     write("RigCfg.ini", "[General]\r\ndel_log_file=1\r\nktrace_level=-1\r\n");
     dlg->ReadAppIniFile();
-    EXPECT_TRUE(level_on(0));
-    EXPECT_FALSE(level_on(1));
+    EXPECT_TRUE(level_on(0) && !level_on(1));
 }
 
-TEST_F(AppIni, MidspanWithAConfigurationSectionReportsTheType) {
+TEST_F(AppIni, ConfigurationSectionInAMidspanRun) {
     auto dlg = make_dialog(ProductTypeMidspan);
     write("RigCfg.ini", std::string(kFreshRigCfg) + "[Configuration]\r\nmachine=A\r\n");
     dlg->ReadAppIniFile();
     EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): invalid korctrl type #0"));
     EXPECT_TRUE(log.has_error("ReadAppIniFile(): CfgIniFileMachinIni() failed"));
     EXPECT_TRUE(log.has_error("ReadAppIniFile() with errors or warnings"));
-    EXPECT_EQ(dlg->m_actDriveUnit, "");
     EXPECT_FALSE(exists("mtmachineloader.ini"));
-}
 
-TEST_F(AppIni, KorctrlRaisesMidspanToKorECon) {
-    auto dlg = make_dialog(ProductTypeMidspan);
+    // korctrl turns the run into a KorECon run, and reading writes the machine tree.
     write("RigCfg.ini", std::string(kFreshRigCfg) +
                             "[Configuration]\r\nkorctrl = kor econ ; comment\r\nmachine=XY\r\n"
                             "order_no=1234\r\nproduct_group=FORM\r\n");
@@ -58,7 +48,6 @@ TEST_F(AppIni, KorctrlRaisesMidspanToKorECon) {
     EXPECT_EQ(dlg->m_productType, ProductTypeKorECon);
     EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set korctrl type to: KORECON"));
     EXPECT_EQ(dlg->m_actDriveUnit, "XY:Order-No:1234");
-    // Reading the configuration also writes the control's machine tree.
     EXPECT_EQ(read("mtmachineloader.ini"), "[MachineTree]\r\nroot=korecon\r\n");
 }
 
@@ -69,11 +58,9 @@ TEST_F(AppIni, ReadFillsRecordAndStrings) {
                         "folder=C:\\machines\\Kor Shaft 3 ;old\r\nproxy=cameraproxy\r\n");
     dlg->m_actControl = "ctl";
     dlg->INICfgFileIO(kApp, 0);
-    EXPECT_EQ(dlg->m_record.machine, "KorShaft3");
-    EXPECT_EQ(dlg->m_record.order_no, "1234");
-    EXPECT_EQ(dlg->m_record.product_group, "KORSHAFT");
-    EXPECT_EQ(dlg->m_record.folder, "C:\\machines\\Kor Shaft 3 ");
-    EXPECT_EQ(dlg->m_record.proxy, "cameraproxy");
+    const ActiveConfigRecord& r = dlg->m_record;
+    EXPECT_EQ(r.machine + "|" + r.order_no + "|" + r.product_group + "|" + r.folder + "|" + r.proxy,
+              "KorShaft3|1234|KORSHAFT|C:\\machines\\Kor Shaft 3 |cameraproxy");
     EXPECT_EQ(dlg->m_actGroup, "KORSHAFT");
     EXPECT_EQ(dlg->m_actDriveUnit, "KorShaft3:Order-No:1234");
     EXPECT_EQ(dlg->m_actProxy, "cameraproxy");
@@ -81,62 +68,30 @@ TEST_F(AppIni, ReadFillsRecordAndStrings) {
     EXPECT_EQ(dlg->m_actStand, "No Stand");
     EXPECT_EQ(dlg->m_actControl, "");
     EXPECT_TRUE(own_errors().empty());
-    EXPECT_TRUE(boxes.empty());
     EXPECT_EQ(read("mtmachineloader.ini"),
               "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n");
 }
 
-TEST_F(AppIni, MissingKeysDegradeToDefaults) {
-    auto dlg = make_dialog(ProductTypeKorECon);
-    write("RigCfg.ini", "[Configuration]\r\nmachine=M 1\r\n");
-    dlg->m_record.folder = "old";
-    dlg->m_record.proxy = "old";
-    dlg->m_record.order_no = "";
-    dlg->m_actTable = "T";
-    dlg->m_actStand = "S";
-    EXPECT_TRUE(dlg->CfgIniFileMachinIni(0, nullptr));
-    EXPECT_EQ(dlg->m_record.product_group, "FORM");
-    EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set to default product  FORM"));
-    EXPECT_EQ(dlg->m_record.folder, "");
-    EXPECT_EQ(dlg->m_record.proxy, "");
-    EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): GetStringEntry(Configuration, order_no) "
-                              "failed"));
-    EXPECT_TRUE(
-        log.has_error("CfgIniFileMachinIni(): GetStringEntry(Configuration, proxy) failed"));
-    // No order number: the bare machine name, table and stand as they were.
-    EXPECT_EQ(dlg->m_actDriveUnit, "M1");
-    EXPECT_EQ(dlg->m_actTable, "T");
-    EXPECT_EQ(dlg->m_actStand, "S");
-}
-
-TEST_F(AppIni, SectionRequiredOnlyInModeZero) {
+TEST_F(AppIni, MissingKeysAndSectionDegrade) {
     auto dlg = make_dialog(ProductTypeKorECon);
     write("RigCfg.ini", kFreshRigCfg);
     EXPECT_TRUE(dlg->CfgIniFileMachinIni(2, nullptr));
     EXPECT_FALSE(dlg->CfgIniFileMachinIni(0, nullptr));
     EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): expected section [doesn't exist] "));
-    EXPECT_FALSE(exists("mtmachineloader.ini"));
-}
 
-TEST_F(AppIni, MillikorIsRejectedOnReadAndWrite) {
-    auto dlg = make_dialog(ProductTypeMTMillikor);
-    write("RigCfg.ini", "[Configuration]\r\nmachine=A\r\n");
-    dlg->INICfgFileIO(kApp, 0);
-    EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): invalid korctrl type #2"));
-    EXPECT_TRUE(log.has_error("INICfgFileIO(): CfgIniFileMachinIni() failed"));
-    EXPECT_TRUE(log.has_error("INICfgFileIO() failed"));
-    EXPECT_EQ(dlg->m_actDriveUnit, "");
-
-    // Written all the same, as a KorECon configuration.
-    dlg->m_actDriveUnit = "KMX 7:Order-No:55";
-    dlg->m_actGroup = "FORM";
-    log.clear();
-    EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
-    EXPECT_TRUE(in_error_trace(
-        "CfgIniFileMachinIni(): invalid korctrl type #to save application ini file "));
-    EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set to default korctrl type korecon"));
-    EXPECT_EQ(read("RigCfg.ini"), "[Configuration]\r\nmachine=KMX 7\r\nkorctrl=korecon\r\n"
-                                  "order_no=55\r\nproduct_group=FORM\r\nfolder=\r\nproxy=\r\n");
+    write("RigCfg.ini", "[Configuration]\r\nmachine=M 1\r\n");
+    dlg->m_record = {"", "", "", "old", "old"};
+    dlg->m_actTable = "T";
+    dlg->m_actStand = "S";
+    EXPECT_TRUE(dlg->CfgIniFileMachinIni(0, nullptr));
+    EXPECT_EQ(dlg->m_record.product_group, "FORM");
+    EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set to default product  FORM"));
+    EXPECT_EQ(dlg->m_record.folder + dlg->m_record.proxy, "");
+    EXPECT_TRUE(
+        log.has_error("CfgIniFileMachinIni(): GetStringEntry(Configuration, proxy) failed"));
+    // No order number: the bare machine name, table and stand as they were.
+    EXPECT_EQ(dlg->m_actDriveUnit, "M1");
+    EXPECT_EQ(dlg->m_actTable + dlg->m_actStand, "TS");
 }
 
 TEST_F(AppIni, WriteStoresTheRecordByteForByte) {
@@ -153,53 +108,50 @@ TEST_F(AppIni, WriteStoresTheRecordByteForByte) {
                   std::string(kFreshRigCfg));
     EXPECT_TRUE(own_errors().empty());
 
-    // Read back, the record is the same.
-    auto again = make_dialog(ProductTypeKorECon);
-    ASSERT_TRUE(again->CfgIniFileMachinIni(0, nullptr));
-    EXPECT_EQ(again->m_record.machine, "KorShaft3"); // whitespace goes on reading
-    EXPECT_EQ(again->m_record.folder, dlg->m_record.folder);
-    EXPECT_EQ(again->m_record.order_no, "1234");
-}
-
-TEST_F(AppIni, WriteWithTwoTokensSavesTheOldRecord) {
-    auto dlg = make_dialog(ProductTypeKorECon);
-    dlg->m_record = {"11", "Old", "FORM", "F", "fiberproxy"};
+    // Two tokens: the failure is logged and the old record saved.
     dlg->m_actDriveUnit = "VD 120:COM1";
-    dlg->m_actGroup = "CONTOUR/SURFACE";
     EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
     EXPECT_TRUE(log.has_error("invalid data for m_actDriveUnit ='VD 120:COM1"));
     EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): ConvertDrvunitStringToNewFormat()failed"));
-    EXPECT_EQ(read("RigCfg.ini"), "[Configuration]\r\nkorctrl=korecon\r\nmachine=Old\r\n"
-                                  "order_no=11\r\nproduct_group=FORM\r\nfolder=F\r\n"
-                                  "proxy=fiberproxy\r\n");
+    EXPECT_NE(read("RigCfg.ini").find("machine=KorShaft 3\r\norder_no=1234\r\n"),
+              std::string::npos);
 }
 
-TEST_F(AppIni, MissingFolderFailsTheSave) {
-    auto dlg = make_dialog(ProductTypeKorECon);
-    dlg->m_appFolder = std::string(kApp) + "gone\\";
-    dlg->m_actDriveUnit = "A:Order-No:1";
+TEST_F(AppIni, MillikorIsRejectedOnReadAndWrittenAsKorECon) {
+    auto dlg = make_dialog(ProductTypeMTMillikor);
+    write("RigCfg.ini", "[Configuration]\r\nmachine=A\r\n");
+    dlg->INICfgFileIO(kApp, 0);
+    EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): invalid korctrl type #2"));
+    EXPECT_TRUE(log.has_error("INICfgFileIO() failed"));
+    EXPECT_EQ(dlg->m_actDriveUnit, "");
+
+    dlg->m_actDriveUnit = "KMX 7:Order-No:55";
+    dlg->m_actGroup = "FORM";
     EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
-    EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): can't save ini appliction ini file"));
-    EXPECT_FALSE(exists("gone"));
-
-    dlg->ReadAppIniFile();
-    EXPECT_TRUE(log.has_error("ReadAppIniFile(): mid.save() for faile '" + dlg->m_appFolder +
-                              "RigCfg.ini' failed"));
-    EXPECT_FALSE(exists("gone"));
+    EXPECT_TRUE(in_error_trace(
+        "CfgIniFileMachinIni(): invalid korctrl type #to save application ini file "));
+    EXPECT_EQ(read("RigCfg.ini"), "[Configuration]\r\nmachine=KMX 7\r\nkorctrl=korecon\r\n"
+                                  "order_no=55\r\nproduct_group=FORM\r\nfolder=\r\nproxy=\r\n");
 }
 
-TEST_F(AppIni, UnparsableFileGoesOnWithWhatWasRead) {
+TEST_F(AppIni, BadFilesAndFolders) {
     auto dlg = make_dialog(ProductTypeMidspan);
+    // What parsed before the bad line is used, and saved with the missing key.
     write("RigCfg.ini", "[General]\r\nktrace_level=2\r\nnot an entry\r\nmore=1\r\n");
     dlg->ReadAppIniFile();
     EXPECT_TRUE(
         log.has_error(std::string("GetKtraceLevel(): mid.Open(") + kApp + "RigCfg.ini) failed"));
-    EXPECT_TRUE(log.has_error("ReadAppIniFile() with errors or warnings"));
-    // The lines before the bad one were read: the level is theirs, and the
-    // container is saved with what it holds.
-    EXPECT_TRUE(level_on(2));
-    EXPECT_FALSE(level_on(3));
+    EXPECT_TRUE(level_on(2) && !level_on(3));
     EXPECT_EQ(read("RigCfg.ini"), "[General]\r\nktrace_level=2\r\ndel_log_file=1\r\n");
+
+    dlg->m_appFolder = std::string(kApp) + "gone\\";
+    dlg->ReadAppIniFile();
+    EXPECT_TRUE(log.has_error("ReadAppIniFile(): mid.save() for faile '" + dlg->m_appFolder +
+                              "RigCfg.ini' failed"));
+    dlg->m_actDriveUnit = "A:Order-No:1";
+    EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
+    EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): can't save ini appliction ini file"));
+    EXPECT_FALSE(exists("gone"));
 }
 
 TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
@@ -207,71 +159,51 @@ TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
     dlg->ConvertIni(kApp);
     EXPECT_EQ(read("sp_load.ini"), "[General]\r\nactive=CONTOUR/SURFACE\r\n");
 
-    write("sp_load.ini", "[General]\r\ncfg_path=a.cfg\r\nactive_section=DRIVEUNIT[KMQ 2]\r\n"
-                         "[Device]\r\nx=1\r\n");
+    write("sp_load.ini", "[General]\r\nactive_section=DRIVEUNIT[KMQ 2]\r\n[Device]\r\nx=1\r\n");
     dlg->ConvertIni(kApp);
-    // Sections come back sorted.
-    EXPECT_EQ(read("sp_load.ini"), "[Device]\r\nx=1\r\n[General]\r\ncfg_path=a.cfg\r\n"
+    EXPECT_EQ(read("sp_load.ini"), "[Device]\r\nx=1\r\n[General]\r\n"
                                    "active_section=DRIVEUNIT[KMQ 2]\r\nactive=FORM\r\n");
-
     write("sp_load.ini", "[General]\r\nactive_section=DRIVEUNIT[ShapeScan]\r\n");
     dlg->ConvertIni(kApp);
-    EXPECT_EQ(read("sp_load.ini"),
-              "[General]\r\nactive_section=DRIVEUNIT[ShapeScan]\r\nactive=FORM\r\n");
-
+    EXPECT_NE(read("sp_load.ini").find("active=FORM"), std::string::npos);
     write("sp_load.ini", "[General]\r\nactive_section=DRIVEUNIT[kmq 2]\r\n");
     dlg->ConvertIni(kApp);
-    EXPECT_EQ(read("sp_load.ini"),
-              "[General]\r\nactive_section=DRIVEUNIT[kmq 2]\r\nactive=CONTOUR/SURFACE\r\n");
+    EXPECT_NE(read("sp_load.ini").find("active=CONTOUR/SURFACE"), std::string::npos);
 
-    // A file that has the key is left alone.
     write("sp_load.ini", "[General]\r\nactive = KORSIM\r\n[A]\r\n");
     age("sp_load.ini");
-    const long long before = mtime("sp_load.ini");
+    const auto before = mtime("sp_load.ini");
     dlg->ConvertIni(kApp);
     EXPECT_EQ(mtime("sp_load.ini"), before);
-    EXPECT_TRUE(own_errors().empty());
 }
 
-TEST_F(AppIni, BoardTypeFromMachineIni) {
+TEST_F(AppIni, BoardTypeAndDynamicPath) {
     auto dlg = make_dialog(ProductTypeKorECon);
     std::string board = "stale";
     write("m1/machine.ini", "[MACHINE]\r\nBoardType = PPC-A21 ; main board\r\n");
     ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m1\\", board));
     EXPECT_EQ(board, "PPC-A21");
-    EXPECT_TRUE(has_trace("CMidSpanCfgDlg::ReadBoardTypeFromIniFile(): BoardType=PPC-A21 from"));
-
     write("m2/machine.ini", "[Other]\r\nBoardType=KECPU\r\n");
     ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m2\\", board));
     EXPECT_EQ(board, "");
-    ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "none\\", board));
-    EXPECT_EQ(board, "");
-
     write("m3/machine.ini", std::string("\xFF\xFE[\0M\0", 6));
     board = "stale";
     EXPECT_FALSE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m3\\", board));
     EXPECT_EQ(board, "");
     EXPECT_TRUE(in_error_trace("CMidSpanCfgDlg::ReadBoardTypeFromIniFile(): mid.Open(" +
                                std::string(kApp) + "m3\\machine.ini) failed "));
-}
 
-TEST_F(AppIni, DynamicPathOfKorECon) {
-    auto dlg = make_dialog(ProductTypeKorECon);
     std::string path = "stale";
     EXPECT_FALSE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_EQ(path, "");
     EXPECT_TRUE(in_error_trace("GetKorEConDynamicIniPath() mid no file ("));
-
     write("korecon.ini", "[configuration]\r\nother=1\r\n");
     EXPECT_FALSE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_TRUE(in_error_trace(
         "GetKorEConDynamicIniPath() mini::GetStringEntry() [configuration], dynamic_path failed"));
-
     write("korecon.ini", "[configuration]\r\ndynamic_path= C:\\dyn\\KMX 7\r\n");
-    KErrTrace_ClearContext();
     ASSERT_TRUE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_EQ(path, " C:\\dyn\\KMX 7");
-    EXPECT_TRUE(korv::diag::error_trace_lines().empty());
 }
 
 } // namespace

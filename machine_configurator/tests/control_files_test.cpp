@@ -91,14 +91,10 @@ TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
         {"KORSIM", "KECPU", "cameraproxy", "korsim", "0"},
         {"FORM", "KECPU", "cameraproxy", "korecon", "1"},
         {"FORM", "PPC-A21", "korecon", "ppc", "0"},
-        {"FORM", "ARM-Platform", "", "ppc", "0"},
         {"KORSHAFT", "PPC-A21", "cameraproxy", "proxy", "0"},
-        {"KORGEAR", "Win_x64", "fiberproxy", "proxy", "0"},
         {"KORGEAR", "", "", "ppc", "0"},
-        {"PLATFORM_COMPONENTS", "", "cncproxy", "ppc", "0"},
         {"KORSURF", "ppc-a21", "", "ppc", "0"}, // unknown board: as if empty
         {"FORM", "", "", "korecon", "1"},
-        {"KOROPTO", "", "twiproxy", "korecon", "1"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.group) + " " + row.board + " " + row.proxy);
@@ -219,54 +215,28 @@ TEST_F(ControlFiles, UpdateDifferentEntryKeepsAnEqualContainerInSync) {
     EXPECT_EQ(ini.GetContentString(), "[s]\nk=w\n");
 }
 
-struct TreeCase {
-    const char* proxy;
-    const char* group;
-    const char* loader;
-    const char* talk;
-    const char* cnc;
-};
-
-TEST_F(ControlFiles, MachineTreePerProxy) {
-    const TreeCase cases[] = {
+TEST_F(ControlFiles, MachineTreeForTheProxy) {
+    const struct {
+        const char* proxy;
+        const char* group;
+        const char* loader;
+        const char* talk;
+    } cases[] = {
         {"cameraproxy", "KORGEOMETRY",
          "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=m2kortalk,qidcamera\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n", ""},
+         "[connection]\r\nhost=192.168.111.1\r\n"},
         {"cameraproxy", "FORM",
-         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n", "", ""},
+         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n", ""},
         {"interpolproxy", "KORSIM",
          "[MachineTree]\r\nroot=interpolproxy\r\ninterpolproxy=korecon,qidcamera\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n", ""},
-        {"interpolproxy", "FORM",
-         "[MachineTree]\r\nroot=interpolproxy\r\ninterpolproxy=m2kortalk,qidcamera\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n", ""},
-        {"interpolcncproxy", "FORM",
-         "[MachineTree]\r\nroot=interpolcncproxy\r\n"
-         "interpolcncproxy=m2kortalk,qidcamera,m2kortalk_cnctable\r\n"
-         "[MachineTypes]\r\ninterpolcncproxy=proxy\r\nm2kortalk_cnctable=m2kortalk\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n", "[connection]\r\nhost=192.168.111.1\r\n"},
+         "[connection]\r\nhost=192.168.111.1\r\n"},
         {"cncproxy", "FORM",
          "[MachineTree]\r\nroot=cncproxy\r\ncncproxy=korecon,m2kortalk,m2kortalk_cnctable\r\n"
          "[MachineTypes]\r\ncncproxy=proxy\r\nm2kortalk_cnctable=m2kortalk\r\n",
-         "[connection]\r\nhost=192.168.70.73\r\n", "[connection]\r\nhost=192.168.70.73\r\n"},
-        {"fiberproxy", "FORM",
-         "[MachineTree]\r\nroot=fiberproxy\r\nfiberproxy=m2kortalk,qidcamera\r\n", "", ""},
-        {"m2kortalk", "FORM", "[MachineTree]\r\nroot=m2kortalk\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n", ""},
-        {"korcommission_cameraproxy", "FORM",
-         "[MachineTree]\r\nroot=korcommission_cameraproxy\r\nkorcommission_cameraproxy="
-         "qidcamera\r\n"
-         "[MachineTypes]\r\nkorcommission_cameraproxy=proxy\r\n",
-         "", ""},
-        {"twiproxy", "FORM",
-         "[MachineTree]\r\nroot=twiproxy\r\ntwiproxy=m2kortalk,qidcamera,np_conex-cc,pie625,"
-         "pigcs2\r\n"
-         "[MachineTypes]\r\ntwiproxy=proxy\r\n",
-         "", ""},
-        {"", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "", ""},
-        {"korecon", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "", ""},
+         "[connection]\r\nhost=192.168.70.73\r\n"},
+        {"", "FORM", "[MachineTree]\r\nroot=korecon\r\n", ""},
     };
-    for (const TreeCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.proxy) + " " + c.group);
         for (const char* file : {"mtmachineloader.ini", "m2kortalk.ini", "m2kortalk_cnctable.ini"})
             std::filesystem::remove(host(file));
@@ -275,11 +245,11 @@ TEST_F(ControlFiles, MachineTreePerProxy) {
         ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
         EXPECT_EQ(read("mtmachineloader.ini"), c.loader);
         EXPECT_EQ(read("m2kortalk.ini"), c.talk);
-        EXPECT_EQ(read("m2kortalk_cnctable.ini"), c.cnc);
         EXPECT_EQ(dlg->m_record.proxy, c.proxy);
         EXPECT_TRUE(own_errors().empty());
         EXPECT_FALSE(exists("m2kortalk_cnctable")); // the legacy file is never created
     }
+    EXPECT_EQ(read("m2kortalk_cnctable.ini"), "");
 }
 
 TEST_F(ControlFiles, UnknownProxyFallsBackAndTheLineNamesKorecon) {
@@ -325,30 +295,21 @@ TEST_F(ControlFiles, MachineTreeFailures) {
 }
 
 TEST_F(ControlFiles, CameraListCases) {
-    configure("KORSIM", "M", "1", "");
-    ASSERT_TRUE(dlg->UpdateCameraList(kApp));
-    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=Virtual\r\n");
-    std::filesystem::remove_all(host("camera"));
-
     const struct {
+        const char* group;
         const char* machine;
         const char* proxy;
         const char* camera;
     } rows[] = {
-        {"KorShaftScope", "cameraproxy", "ABS_UK1155"},
-        {"KorShaftScope250", "cameraproxy", "ABS_UK31256"},
-        {"KorShaftScope100", "cameraproxy", nullptr},
-        {"M", "interpolproxy", "ABS_UK31443"},
-        {"M", "interpolcncproxy", "ABS_UK31443"},
-        {"M", "fiberproxy", "ABS_LC9010"},
-        {"M", "korcommission_cameraproxy", "ABS_UK31256"},
-        {"M", "twiproxy", "AVT"},
-        {"M", "cncproxy", nullptr},
-        {"M", "", nullptr},
+        {"KORSIM", "M", "", "Virtual"},
+        {"FORM", "KorShaftScope250", "cameraproxy", "ABS_UK31256"},
+        {"FORM", "KorShaftScope100", "cameraproxy", nullptr},
+        {"FORM", "M", "fiberproxy", "ABS_LC9010"},
+        {"FORM", "M", "cncproxy", nullptr},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.machine) + " " + row.proxy);
-        configure("FORM", row.machine, "1", row.proxy);
+        configure(row.group, row.machine, "1", row.proxy);
         ASSERT_TRUE(dlg->UpdateCameraList(kApp));
         if (row.camera) {
             EXPECT_EQ(read("camera/qidcamera.ini"),
