@@ -15,9 +15,10 @@ public:
     DirectoryReader(const DirectoryReader&) = delete;
     DirectoryReader& operator=(const DirectoryReader&) = delete;
 
-    // Makes `folder` (Windows-style or host path) the current directory. False,
-    // with nothing changed, if it can't be entered or the current directory
-    // couldn't be remembered (there would be no way back).
+    // Makes `folder` (Windows-style or host path) the current directory; a
+    // reader may open one folder after another. False, back where the reader
+    // started, if it can't be entered or the current directory couldn't be
+    // remembered (there would be no way back).
     bool Open(const std::string& folder);
     // Starts the listing of the opened folder; its "." entry is dropped.
     bool First();
@@ -26,6 +27,7 @@ public:
     bool Next(std::string& name, char& type);
 
 private:
+    void EndListing();
     void Close();
 
     std::string m_previous; // host path of the directory to go back to

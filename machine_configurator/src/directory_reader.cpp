@@ -18,11 +18,15 @@ DirectoryReader::~DirectoryReader() {
     Close();
 }
 
-void DirectoryReader::Close() {
+void DirectoryReader::EndListing() {
     if (m_listing) {
         ::closedir(static_cast<DIR*>(m_listing));
         m_listing = nullptr;
     }
+}
+
+void DirectoryReader::Close() {
+    EndListing();
     if (m_entered) {
         m_entered = false;
         if (::chdir(m_previous.c_str()) != 0)
@@ -32,11 +36,19 @@ void DirectoryReader::Close() {
 }
 
 bool DirectoryReader::Open(const std::string& folder) {
-    Close();
-    if (!m_remembered)
+    const std::string native = korv::platform::native_path(folder);
+    // An absolute folder is entered straight from the last one; a relative one
+    // means what it says only from where the process was.
+    if (native.empty() || native[0] != '/')
+        Close();
+    else
+        EndListing();
+    if (!m_remembered || folder.empty())
         return false;
-    if (folder.empty() || ::chdir(korv::platform::native_path(folder).c_str()) != 0)
+    if (::chdir(native.c_str()) != 0) {
+        Close();
         return false;
+    }
     m_entered = true;
     return true;
 }
@@ -44,8 +56,7 @@ bool DirectoryReader::Open(const std::string& folder) {
 bool DirectoryReader::First() {
     if (!m_entered)
         return false;
-    if (m_listing)
-        ::closedir(static_cast<DIR*>(m_listing));
+    EndListing();
     m_listing = ::opendir(".");
     return m_listing != nullptr;
 }

@@ -11,12 +11,11 @@
 
 namespace {
 
-// The subfolders of `folder` without "..", in key order. False if the folder
-// can't be entered or listed. The reader is closed again before this returns,
-// so that no caller runs while the current directory is moved.
-bool read_subfolders(const std::string& folder, std::vector<std::string>& names) {
+// The subfolders of `folder` without "..", in key order, read with `reader`.
+// False if the folder can't be entered or listed.
+bool read_subfolders(DirectoryReader& reader, const std::string& folder,
+                     std::vector<std::string>& names) {
     names.clear();
-    DirectoryReader reader;
     if (!reader.Open(folder) || !reader.First())
         return false;
     std::string name;
@@ -26,6 +25,34 @@ bool read_subfolders(const std::string& folder, std::vector<std::string>& names)
             names.push_back(name);
     std::stable_sort(names.begin(), names.end(), MachineKeyLess());
     return true;
+}
+
+// The machine folders of `root`, each with its order number folders as
+// records without properties. One reader walks from folder to folder and is
+// gone, the current directory restored, before this returns; meanwhile nothing
+// else runs. See GetAllMachinesFromDirectories for the result.
+enum class TreeRead { Done, NoRoot, BadMachine };
+TreeRead read_tree(const char* root, MachineTreeMap& map) {
+    DirectoryReader reader;
+    std::vector<std::string> machines;
+    if (!read_subfolders(reader, root, machines)) {
+        KERRLOG("GetAllMachinesFromDirectories(): directory %s doesn't exist", root);
+        return TreeRead::NoRoot;
+    }
+    std::vector<std::string> orders;
+    for (const std::string& machine : machines) {
+        const std::string folder = catalogue_join(root, machine);
+        if (!read_subfolders(reader, folder, orders)) {
+            KERRLOG("GetAllMachinesFromDirectories(): directory %s doesn't exist", folder.c_str());
+            return TreeRead::BadMachine;
+        }
+        std::vector<MachineProperties> records(orders.size());
+        for (std::size_t i = 0; i < orders.size(); ++i)
+            records[i].order_no = std::move(orders[i]);
+        // The names come sorted and are unique within one folder.
+        map.emplace_hint(map.end(), machine, std::move(records));
+    }
+    return TreeRead::Done;
 }
 
 // Reads `key` of `section` into `target` with comment and white space removed.
@@ -132,23 +159,13 @@ bool GetAllMachinesFromDirectories(const char* root, MachineTreeMap& map) {
         KERRTRACE("GetAllMachineDirectories(): Null pointer for base folder");
         return false;
     }
-    std::vector<std::string> machines;
-    if (!read_subfolders(root, machines)) {
-        KERRLOG("GetAllMachinesFromDirectories(): directory %s doesn't exist", root);
-        return true;
-    }
-    std::vector<std::string> orders;
-    for (const std::string& machine : machines) {
-        const std::string folder = catalogue_join(root, machine);
-        if (!read_subfolders(folder, orders)) {
-            KERRLOG("GetAllMachinesFromDirectories(): directory %s doesn't exist", folder.c_str());
-            return false;
-        }
-        std::vector<MachineProperties> records(orders.size());
-        for (std::size_t i = 0; i < orders.size(); ++i)
-            records[i].order_no = std::move(orders[i]);
-        // The names come sorted and are unique within one folder.
-        map.emplace_hint(map.end(), machine, std::move(records));
+    switch (read_tree(root, map)) {
+    case TreeRead::NoRoot:
+        return true; // the caller goes on with its next root
+    case TreeRead::BadMachine:
+        return false;
+    case TreeRead::Done:
+        break;
     }
     if (!GetAllPropertiesFromFolder(root, map)) {
         KERRTRACE("GetAllMachinesFromDirectories(): GetAllPropertiesFromFolder() failed");

@@ -68,6 +68,37 @@ TEST(DirectoryReader, ListsOneLevelWithKindsAndReturnsToWhereItStarted) {
                         {"..", 'd'}, {".hidden", ' '}, {"Machine", 'd'}, {"file.txt", '-'}}));
 }
 
+TEST(DirectoryReader, OneReaderOpensFolderAfterFolderAndRelativeOnesFromWhereItStarted) {
+    Install install;
+    install.folder_c(kRoot + "\\A\\1");
+    install.folder_c(kRoot + "\\B\\2");
+    const std::string before = cwd();
+    ASSERT_EQ(::chdir(install.path().c_str()), 0);
+    const auto subfolders = [](DirectoryReader& reader) {
+        std::vector<std::string> names;
+        std::string name;
+        char type = 0;
+        EXPECT_TRUE(reader.First());
+        while (reader.Next(name, type))
+            if (name != "..")
+                names.push_back(name);
+        return names;
+    };
+    {
+        DirectoryReader reader;
+        ASSERT_TRUE(reader.Open(kRoot + "\\A"));
+        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"1"});
+        ASSERT_TRUE(reader.Open(kRoot + "\\B"));
+        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"2"});
+        ASSERT_TRUE(reader.Open("drive_c/work/form_support/machines/A"));
+        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"1"});
+        ASSERT_TRUE(reader.Open("drive_c\\work\\form_support\\machines\\B"));
+        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"2"});
+    }
+    EXPECT_EQ(cwd(), install.path());
+    ASSERT_EQ(::chdir(before.c_str()), 0);
+}
+
 TEST(MachineDirectories, MachinesAndOrderNumbersSortBytewiseAndCarryTheirProperties) {
     Install install;
     install.machine(kRoot, "A", "1",
