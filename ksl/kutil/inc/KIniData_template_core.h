@@ -9,6 +9,8 @@
 // Text is bytes throughout. "long" means 32 bits, whatever the C type is here.
 #pragma once
 
+#include "KIniData_arena.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -69,6 +71,22 @@ public:
     KIniDataLine(const KIniDataLine&) = delete;
     KIniDataLine& operator=(const KIniDataLine&) = delete;
 
+    // The lines of a container come from its arena; a plain new uses the heap.
+    // Either way a delete through this class finds its way back.
+    static void* operator new(std::size_t size) {
+        return KIniDataArena::allocate_line(nullptr, size);
+    }
+    static void* operator new(std::size_t size, KIniDataArena* arena) {
+        return KIniDataArena::allocate_line(arena, size);
+    }
+    static void operator delete(void* line, std::size_t size) noexcept {
+        KIniDataArena::deallocate_line(line, size);
+    }
+    // Only for a constructor that throws after the arena form of new.
+    static void operator delete(void* line, KIniDataArena*) noexcept {
+        KIniDataArena::abandon_line(line);
+    }
+
     std::string line;
 };
 
@@ -95,14 +113,20 @@ public:
 };
 
 template <class Compare> class KIniDataT;
+class KFastFileReader;
 
 // A section. Its own `line` is the header as read; element 0 of line_vec is the
 // section itself, and the section owns every element from 1 on.
 template <class Compare> class KIniDataSectionT : public KIniDataLine {
 public:
-    using EntryMap = std::map<std::string, KIniDataEntry*, Compare>;
+    // The names are held by the section (in its arena), so a key costs no more
+    // than a view.
+    using EntryMap =
+        std::map<std::string_view, KIniDataEntry*, Compare,
+                 KIniDataArenaAllocator<std::pair<const std::string_view, KIniDataEntry*>>>;
 
-    explicit KIniDataSectionT(std::string_view header);
+    // With an arena, the section's new entries and index nodes come from it.
+    explicit KIniDataSectionT(std::string_view header, KIniDataArena* arena = nullptr);
     ~KIniDataSectionT() override;
 
     // Lookups remove trailing blanks and tabs from `name`; HasEntry does not.
@@ -134,7 +158,14 @@ private:
     friend class KIniDataT<Compare>;
     // Appends "name=value_text"; null if out of memory.
     KIniDataEntry* add_new_entry(std::string_view name, std::string_view value_text);
+    // Enters `entry` under a copy of `name`; throws std::bad_alloc, leaving
+    // nothing behind.
+    void index_entry(typename EntryMap::const_iterator hint, std::string_view name,
+                     KIniDataEntry* entry);
+    void unindex_entry(typename EntryMap::iterator it) noexcept;
     bool set_entry_text(const char* caller, std::string_view name, std::string_view text);
+
+    KIniDataArena* line_arena; // null for a section made on its own
 };
 
 // The container. Not thread-safe; one thread at a time.
@@ -202,11 +233,15 @@ public:
     std::string error_text;              // the last problem, at most 1023 characters
 
 private:
+    bool read_lines(KFastFileReader& reader);
+    bool place_pending_lines();
     bool parse_line(std::string_view line);
     bool parse_section_header(std::string_view line);
     bool parse_entry(std::string_view line, std::size_t first);
     Section* add_new_section(std::string_view name);
     void delete_all();
+    // The arena of the lines, made on first use; throws std::bad_alloc.
+    KIniDataArena* arena_for_lines();
     void copy_from(const KIniDataT& other, const char* caller);
     void set_error_text(const char* format, ...) __attribute__((format(printf, 2, 3)));
     // The common first step of the Set* operations: refuse comments, find or add
@@ -214,6 +249,9 @@ private:
     Section* section_for_set(const char* operation, const char* comment_operation,
                              std::string_view section, std::string_view name,
                              std::string_view message_value);
+
+    KIniDataArena* line_arena = nullptr;
+    std::vector<KIniDataLine*> pending_lines; // lines of current_section not yet in its line_vec
 };
 
 template <class Compare>

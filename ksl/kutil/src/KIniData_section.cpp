@@ -67,7 +67,9 @@ void KIniDataEntry::SetValue(std::string_view value) {
 }
 
 template <class Compare>
-KIniDataSectionT<Compare>::KIniDataSectionT(std::string_view header) : KIniDataLine(header) {
+KIniDataSectionT<Compare>::KIniDataSectionT(std::string_view header, KIniDataArena* arena)
+    : KIniDataLine(header), entry_map(KIniDataArenaAllocator<typename EntryMap::value_type>(arena)),
+      line_arena(arena) {
     line_vec.reserve(10);
     line_vec.push_back(this);
 }
@@ -75,6 +77,27 @@ KIniDataSectionT<Compare>::KIniDataSectionT(std::string_view header) : KIniDataL
 template <class Compare> KIniDataSectionT<Compare>::~KIniDataSectionT() {
     for (std::size_t i = 1; i < line_vec.size(); ++i)
         delete line_vec[i];
+    for (const auto& [name, entry] : entry_map)
+        KIniDataArena::free_name(line_arena, name);
+}
+
+template <class Compare>
+void KIniDataSectionT<Compare>::index_entry(typename EntryMap::const_iterator hint,
+                                            std::string_view name, KIniDataEntry* entry) {
+    const std::string_view stored = KIniDataArena::store_name(line_arena, name);
+    try {
+        entry_map.emplace_hint(hint, stored, entry);
+    } catch (const std::bad_alloc&) {
+        KIniDataArena::free_name(line_arena, stored);
+        throw;
+    }
+}
+
+template <class Compare>
+void KIniDataSectionT<Compare>::unindex_entry(typename EntryMap::iterator it) noexcept {
+    const std::string_view stored = it->first;
+    entry_map.erase(it);
+    KIniDataArena::free_name(line_arena, stored);
 }
 
 template <class Compare>
@@ -88,7 +111,7 @@ void KIniDataSectionT<Compare>::GetEntryNames(std::vector<std::string>& names) c
     names.clear();
     names.reserve(entry_map.size());
     for (const auto& [name, entry] : entry_map)
-        names.push_back(name);
+        names.emplace_back(name);
 }
 
 template <class Compare> std::vector<std::string> KIniDataSectionT<Compare>::GetEntryNames() const {
@@ -129,11 +152,11 @@ KIniDataEntry* KIniDataSectionT<Compare>::add_new_entry(std::string_view name,
         text.reserve(name.size() + 1 + value_text.size());
         text.append(name).push_back('=');
         text.append(value_text);
-        auto entry = std::make_unique<KIniDataEntry>(text, name.size() + 1);
+        std::unique_ptr<KIniDataEntry> entry(new (line_arena) KIniDataEntry(text, name.size() + 1));
         const auto hint = entry_map.lower_bound(name);
         line_vec.push_back(entry.get());
         try {
-            entry_map.emplace_hint(hint, std::string(name), entry.get());
+            index_entry(hint, name, entry.get());
         } catch (const std::bad_alloc&) {
             line_vec.pop_back();
             throw;
@@ -234,7 +257,7 @@ template <class Compare> bool KIniDataSectionT<Compare>::DeleteEntry(std::string
         if (kini_trim_right(std::string_view(text).substr(first, eq - first)) != name)
             continue;
         delete line_vec[i];
-        entry_map.erase(it);
+        unindex_entry(it);
         line_vec.erase(line_vec.begin() + static_cast<std::ptrdiff_t>(i));
         return true;
     }

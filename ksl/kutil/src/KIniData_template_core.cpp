@@ -94,10 +94,24 @@ template <class Compare> void KIniDataT<Compare>::delete_all() {
     for (KIniDataLine* line : line_vec)
         delete line;
     line_vec.clear();
+    for (KIniDataLine* line : pending_lines)
+        delete line;
+    pending_lines.clear();
     for (auto& [name, section] : section_map)
         delete section;
     section_map.clear();
     current_section = nullptr;
+    // Every line is gone, so the arena goes with this; the next line starts a new one.
+    if (line_arena) {
+        line_arena->release();
+        line_arena = nullptr;
+    }
+}
+
+template <class Compare> KIniDataArena* KIniDataT<Compare>::arena_for_lines() {
+    if (!line_arena)
+        line_arena = KIniDataArena::create();
+    return line_arena;
 }
 
 template <class Compare> void KIniDataT<Compare>::set_error_text(const char* format, ...) {
@@ -135,6 +149,17 @@ template <class Compare> bool KIniDataT<Compare>::Open(const std::string& name) 
         is_open = true;
         return true;
     }
+    if (!read_lines(reader)) {
+        // What was parsed stays, in its sections.
+        place_pending_lines();
+        return false;
+    }
+    in_sync = true;
+    is_open = true;
+    return true;
+}
+
+template <class Compare> bool KIniDataT<Compare>::read_lines(KFastFileReader& reader) {
     std::string line;
     bool first_line = true;
     do {
@@ -161,8 +186,41 @@ template <class Compare> bool KIniDataT<Compare>::Open(const std::string& name) 
             return false;
         }
     } while (!reader.IsEOF());
-    in_sync = true;
-    is_open = true;
+    if (!place_pending_lines()) {
+        KERRTRACE("KIniData::Open(): parse_line(%.60s) failed", line.c_str());
+        return false;
+    }
+    return true;
+}
+
+// While a load fills a section, its lines wait here and go into its line_vec
+// when the section ends, with one allocation of the right size instead of a
+// vector that grows and leaves its earlier buffers behind.
+template <class Compare> bool KIniDataT<Compare>::place_pending_lines() {
+    if (pending_lines.empty())
+        return true;
+    std::vector<KIniDataLine*>& lines = current_section->line_vec;
+    try {
+        lines.reserve(lines.size() + pending_lines.size());
+    } catch (const std::bad_alloc&) {
+        // Lines without a place can't stay: out of the index, and deleted.
+        auto& index = current_section->entry_map;
+        for (KIniDataLine* line : pending_lines) {
+            for (auto it = index.begin(); it != index.end(); ++it) {
+                if (it->second == line) {
+                    current_section->unindex_entry(it);
+                    break;
+                }
+            }
+            delete line;
+        }
+        pending_lines.clear();
+        set_error_text("out of memory (%s)", out_of_memory_text());
+        KERRTRACE("KIniData::parse_line(): new KIniDataLine() failed: %.50s", out_of_memory_text());
+        return false;
+    }
+    lines.insert(lines.end(), pending_lines.begin(), pending_lines.end());
+    pending_lines.clear();
     return true;
 }
 
@@ -212,13 +270,18 @@ template <class Compare> std::string KIniDataT<Compare>::GetContentString() cons
     for (const auto& [name, section] : section_map)
         for (const KIniDataLine* line : section->line_vec)
             size += line->line.size() + 1;
-    std::string content;
-    content.reserve(size);
+    // Sized once, then filled by plain copies: Save and copying pass through here.
+    std::string content(size, '\n');
+    char* out = content.data();
+    const auto put = [&out](const KIniDataLine* line) {
+        std::memcpy(out, line->line.data(), line->line.size());
+        out += line->line.size() + 1;
+    };
     for (const KIniDataLine* line : line_vec)
-        content.append(line->line).push_back('\n');
+        put(line);
     for (const auto& [name, section] : section_map)
         for (const KIniDataLine* line : section->line_vec)
-            content.append(line->line).push_back('\n');
+            put(line);
     return content;
 }
 
@@ -228,9 +291,14 @@ template <class Compare> bool KIniDataT<Compare>::SetContentString(std::string_v
     // Unlike Open, empty lines are kept here.
     for (const std::string& line : split_lines(text)) {
         if (!parse_line(line)) {
+            place_pending_lines();
             KERRTRACE("KIniData::SetContentString(): parse_line() failed");
             return false;
         }
+    }
+    if (!place_pending_lines()) {
+        KERRTRACE("KIniData::SetContentString(): parse_line() failed");
+        return false;
     }
     return true;
 }
@@ -245,8 +313,8 @@ template <class Compare> bool KIniDataT<Compare>::parse_line(std::string_view li
         return parse_section_header(line);
     if (first == line.size() || is_comment_char(line[first])) {
         try {
-            auto plain = std::make_unique<KIniDataLine>(line);
-            (current_section ? current_section->line_vec : line_vec).push_back(plain.get());
+            std::unique_ptr<KIniDataLine> plain(new (arena_for_lines()) KIniDataLine(line));
+            (current_section ? pending_lines : line_vec).push_back(plain.get());
             plain.release();
         } catch (const std::bad_alloc&) {
             set_error_text("out of memory (%s)", out_of_memory_text());
@@ -265,6 +333,8 @@ template <class Compare> bool KIniDataT<Compare>::parse_line(std::string_view li
 }
 
 template <class Compare> bool KIniDataT<Compare>::parse_section_header(std::string_view line) {
+    if (!place_pending_lines())
+        return false;
     const std::size_t close = line.find(']', 1);
     if (close == std::string_view::npos) {
         set_error_text("no matching ']' found in \"%.50s\"", to_text(line).c_str());
@@ -287,7 +357,8 @@ template <class Compare> bool KIniDataT<Compare>::parse_section_header(std::stri
         it = section_map.lower_bound(name);
     }
     try {
-        auto section = std::make_unique<Section>(line);
+        KIniDataArena* arena = arena_for_lines();
+        std::unique_ptr<Section> section(new (arena) Section(line, arena));
         section_map.emplace_hint(it, std::string(name), section.get());
         current_section = section.release();
     } catch (const std::bad_alloc&) {
@@ -335,6 +406,9 @@ bool KIniDataT<Compare>::parse_entry(std::string_view line, std::size_t first) {
             KERRTRACE("KIniData::parse_line(): %.70s", error_text.c_str());
             return false;
         }
+        // The walk of DeleteEntry needs every line in place.
+        if (!place_pending_lines())
+            return false;
         if (!section->DeleteEntry(name)) {
             set_error_text("Entry \"%s\" deleting previous version failed", to_text(name).c_str());
             KERRTRACE("KIniData::parse_line(): DeleteEntry() failed");
@@ -343,12 +417,13 @@ bool KIniDataT<Compare>::parse_entry(std::string_view line, std::size_t first) {
         it = section->entry_map.lower_bound(name);
     }
     try {
-        auto entry = std::make_unique<KIniDataEntry>(line, value_pos);
-        section->line_vec.push_back(entry.get());
+        std::unique_ptr<KIniDataEntry> entry(new (arena_for_lines())
+                                                 KIniDataEntry(line, value_pos));
+        pending_lines.push_back(entry.get());
         try {
-            section->entry_map.emplace_hint(it, std::string(name), entry.get());
+            section->index_entry(it, name, entry.get());
         } catch (const std::bad_alloc&) {
-            section->line_vec.pop_back();
+            pending_lines.pop_back();
             throw;
         }
         entry.release();
@@ -367,7 +442,8 @@ typename KIniDataT<Compare>::Section* KIniDataT<Compare>::add_new_section(std::s
         std::string header;
         header.reserve(name.size() + 2);
         header.append("[").append(name).append("]");
-        auto section = std::make_unique<Section>(header);
+        KIniDataArena* arena = arena_for_lines();
+        std::unique_ptr<Section> section(new (arena) Section(header, arena));
         section_map.emplace(std::string(name), section.get());
         return section.release();
     } catch (const std::bad_alloc&) {

@@ -1,0 +1,183 @@
+// Block memory for the lines, index nodes and entry names of one ini container.
+#include "KIniData_arena.h"
+
+#include <cstring>
+
+// Under the address sanitizer, pieces not handed out are marked unusable, so
+// that a line used after its delete is caught as it would be on the heap.
+#if defined(__SANITIZE_ADDRESS__)
+#define KORV_ARENA_POISON 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KORV_ARENA_POISON 1
+#endif
+#endif
+#ifdef KORV_ARENA_POISON
+#include <sanitizer/asan_interface.h>
+#define KORV_POISON(at, size) ASAN_POISON_MEMORY_REGION(at, size)
+#define KORV_UNPOISON(at, size) ASAN_UNPOISON_MEMORY_REGION(at, size)
+#else
+#define KORV_POISON(at, size) ((void)(at), (void)(size))
+#define KORV_UNPOISON(at, size) ((void)(at), (void)(size))
+#endif
+
+namespace korv {
+
+namespace {
+
+constexpr std::size_t kLineHeader = 8; // the word in front of a line object
+
+std::size_t round_up(std::size_t size, std::size_t align) {
+    return (size + align - 1) & ~(align - 1);
+}
+
+KIniDataArena*& arena_of_line(void* raw) {
+    return *static_cast<KIniDataArena**>(raw);
+}
+
+} // namespace
+
+KIniDataArena* KIniDataArena::create() {
+    return new KIniDataArena();
+}
+
+KIniDataArena::~KIniDataArena() {
+    while (m_blocks) {
+        Block* next = m_blocks->next;
+        KORV_UNPOISON(m_blocks, m_blocks->size);
+        ::operator delete(m_blocks);
+        m_blocks = next;
+    }
+    while (m_large) {
+        LargePiece* next = m_large->next;
+        ::operator delete(m_large);
+        m_large = next;
+    }
+}
+
+void KIniDataArena::release() noexcept {
+    m_owned = false;
+    if (m_lines == 0)
+        delete this;
+}
+
+void KIniDataArena::line_returned() noexcept {
+    if (--m_lines == 0 && !m_owned)
+        delete this;
+}
+
+void* KIniDataArena::allocate(std::size_t wanted) {
+    const std::size_t size = round_up(wanted ? wanted : 1, kAlign);
+    if (size > kLargest) {
+        auto* large = static_cast<LargePiece*>(::operator new(sizeof(LargePiece) + size));
+        large->prev = nullptr;
+        large->next = m_large;
+        if (m_large)
+            m_large->prev = large;
+        m_large = large;
+        return large + 1;
+    }
+    void* piece;
+    if (FreePiece* reused = m_free[size / kAlign]) {
+        KORV_UNPOISON(reused, sizeof(FreePiece));
+        m_free[size / kAlign] = reused->next;
+        piece = reused;
+    } else if (static_cast<std::size_t>(m_end - m_next) < size) {
+        piece = allocate_from_new_block(size);
+    } else {
+        piece = m_next;
+        m_next += size;
+    }
+    KORV_UNPOISON(piece, wanted);
+    return piece;
+}
+
+void* KIniDataArena::allocate_from_new_block(std::size_t size) {
+    const std::size_t header = round_up(sizeof(Block), kAlign);
+    auto* block = static_cast<Block*>(::operator new(m_block_size));
+    block->next = m_blocks;
+    block->size = m_block_size;
+    m_blocks = block;
+    // The rest of the old block, too small for this piece, stays unused.
+    m_next = reinterpret_cast<char*>(block) + header;
+    m_end = reinterpret_cast<char*>(block) + m_block_size;
+    KORV_POISON(m_next, static_cast<std::size_t>(m_end - m_next));
+    if (m_block_size < kLargestBlock)
+        m_block_size *= 2;
+    void* piece = m_next;
+    m_next += size;
+    return piece;
+}
+
+void KIniDataArena::deallocate(void* piece, std::size_t size) noexcept {
+    size = round_up(size ? size : 1, kAlign);
+    if (size > kLargest) {
+        LargePiece* large = static_cast<LargePiece*>(piece) - 1;
+        if (large->prev)
+            large->prev->next = large->next;
+        else
+            m_large = large->next;
+        if (large->next)
+            large->next->prev = large->prev;
+        ::operator delete(large);
+        return;
+    }
+    KORV_UNPOISON(piece, sizeof(FreePiece));
+    auto* freed = static_cast<FreePiece*>(piece);
+    freed->next = m_free[size / kAlign];
+    m_free[size / kAlign] = freed;
+    KORV_POISON(piece, size);
+}
+
+void* KIniDataArena::allocate_line(KIniDataArena* arena, std::size_t size) {
+    void* raw = arena ? arena->allocate(size + kLineHeader) : ::operator new(size + kLineHeader);
+    arena_of_line(raw) = arena;
+    if (arena)
+        ++arena->m_lines;
+    return static_cast<char*>(raw) + kLineHeader;
+}
+
+void KIniDataArena::deallocate_line(void* line, std::size_t size) noexcept {
+    if (!line)
+        return;
+    void* raw = static_cast<char*>(line) - kLineHeader;
+    KIniDataArena* arena = arena_of_line(raw);
+    if (!arena) {
+        ::operator delete(raw);
+        return;
+    }
+    arena->deallocate(raw, size + kLineHeader);
+    arena->line_returned();
+}
+
+void KIniDataArena::abandon_line(void* line) noexcept {
+    if (!line)
+        return;
+    void* raw = static_cast<char*>(line) - kLineHeader;
+    KIniDataArena* arena = arena_of_line(raw);
+    if (!arena) {
+        ::operator delete(raw);
+        return;
+    }
+    arena->line_returned();
+}
+
+std::string_view KIniDataArena::store_name(KIniDataArena* arena, std::string_view name) {
+    if (name.empty())
+        return {};
+    void* bytes = arena ? arena->allocate(name.size()) : ::operator new(name.size());
+    std::memcpy(bytes, name.data(), name.size());
+    return {static_cast<const char*>(bytes), name.size()};
+}
+
+void KIniDataArena::free_name(KIniDataArena* arena, std::string_view name) noexcept {
+    if (name.empty())
+        return;
+    void* bytes = const_cast<char*>(name.data());
+    if (arena)
+        arena->deallocate(bytes, name.size());
+    else
+        ::operator delete(bytes);
+}
+
+} // namespace korv
