@@ -1,12 +1,10 @@
 #include "catalogue_text.h"
 
+#include "RigCfgDlg.h"
+
 #include "kplatform_profile.h"
 
 namespace {
-
-bool is_white(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
-}
 
 bool is_blank(char c) {
     return c == ' ' || c == '\t';
@@ -14,22 +12,9 @@ bool is_blank(char c) {
 
 } // namespace
 
-std::string_view catalogue_strip_comment(std::string_view value) {
-    for (const std::string_view marker : {"//", "/*", ";"})
-        value = value.substr(0, value.find(marker));
-    return value;
-}
-
-std::string catalogue_clean_value(std::string_view value) {
-    std::string clean;
-    for (const char c : catalogue_strip_comment(value))
-        if (!is_white(c))
-            clean += c;
-    return clean;
-}
-
-std::string catalogue_trim_value(std::string_view value) {
-    value = catalogue_strip_comment(value);
+std::string catalogue_trim_value(const std::string& raw) {
+    const std::string stripped = StripComment(raw);
+    std::string_view value = stripped;
     while (!value.empty() && is_blank(value.front()))
         value.remove_prefix(1);
     while (!value.empty() && is_blank(value.back()))

@@ -1,17 +1,13 @@
-// Value cleaning and path pieces shared by the catalogue readers.
+// Value trimming, path pieces and profile reads shared by the catalogue readers.
+// Comments and white space go with StripComment and StripCommentAndWhitespace.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-// The value without a trailing comment: the text from "//", then from "/*",
-// then from ";" is cut off.
-std::string_view catalogue_strip_comment(std::string_view value);
-// Comment cut off and every white space character removed.
-std::string catalogue_clean_value(std::string_view value);
 // Comment cut off and blanks trimmed at both ends; inner blanks stay.
-std::string catalogue_trim_value(std::string_view value);
+std::string catalogue_trim_value(const std::string& raw);
 // `folder` and `name` joined by one '\\'; none is added when `folder` is
 // empty or ends in a separator.
 std::string catalogue_join(const std::string& folder, std::string_view name);

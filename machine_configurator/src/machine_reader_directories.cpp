@@ -1,5 +1,6 @@
 #include "machine_reader.h"
 
+#include "RigCfgDlg.h"
 #include "catalogue_text.h"
 #include "directory_reader.h"
 
@@ -66,7 +67,7 @@ void read_optional(const korv::KIniData& mid, const std::string& section, const 
                        ini_path.c_str());
         return;
     }
-    target = catalogue_clean_value(value);
+    target = StripCommentAndWhitespace(value);
 }
 
 // True when the record's order number folder and machine.ini agree. A
@@ -88,8 +89,8 @@ bool order_number_matches(const korv::KIniData& mid, const std::string& section,
                        record.ini_path.c_str());
         return true;
     }
-    record.order_no = catalogue_clean_value(record.order_no);
-    value = catalogue_clean_value(value);
+    record.order_no = StripCommentAndWhitespace(record.order_no);
+    value = StripCommentAndWhitespace(value);
     if (value == record.order_no)
         return true;
     KERRTRACE_DUMP("GetAllPropertiesFromFolder(): order number in directory:%s  dont equals with "
