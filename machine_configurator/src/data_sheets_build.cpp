@@ -1,19 +1,16 @@
 // The build of the whole catalogue, behind CMidSpanCfgDlg::InitCfgDataStructure.
 #include "data_sheets.h"
 
+#include "RigCfgDlg.h"
 #include "alias_maschines.h"
 #include "catalogue_text.h"
 #include "machine_reader.h"
 
 #include "errtrace.h"
-#include "ktranslate.h"
-#include "ui_message_box.h"
 
 #include <new>
 
 namespace {
-
-constexpr const char* kDomain = "RigCfg";
 
 // Collects the machines of all sources in `collected`. False once a source
 // fails as a whole; the failure is dumped to the error log.
@@ -55,7 +52,7 @@ std::string unit_data_file(const std::string& work_dir, const std::string& confi
     if (value.empty()) {
         const char* key = table ? "Error: Missing entry [TABLE] 'file='.msg"
                                 : "Error: Missing entry [MEASURESTAND] 'file='.msg";
-        korv::ui::AfxMessageBox(Translate(key, 0, nullptr, kDomain), korv::ui::MB_ICONSTOP);
+        ErrorMessageBox(key); // the stop icon
         if (table)
             KERRLOG("INICfgFileIo(): missing entry [TABLE] 'file=' in %s", config_file.c_str());
         else
