@@ -138,9 +138,9 @@ TEST_F(AliasMachines, DamagedAliasFileFailsTheWholeRead) {
          "failedgetAliasMachinesInfo"},
         {"[General]\nfile=Gone.ini\nalias_machine_name=A\n", kParent,
          "getAliasMachinesInfo(): file \"" + kMachines + "\\Gone.ini\" doens't exist"},
-        {"[General]\nfile=KMX_100.ini\nalias_machine_name=A\n", "[general]\nmachine=KMX 100\n",
-         "getAliasMachinesInfo(): GetStringEntryAndTrim() [general] variantfolder= failed"},
-        {"[General]\nfile=KMX_100.ini\nalias_machine_name=A\n", "[General]\nmachine=KMX 100\n",
+        // The parent's section is spelled in lower case.
+        {"[General]\nfile=KMX_100.ini\nalias_machine_name=A\n",
+         "[General]\nmachine=KMX 100\nvariantfolder=K\n",
          "getAliasMachinesInfo(): GetStringEntryAndTrim() [general] variantfolder= failed"},
         {"[General]\nfile=KMX_100.ini\nalias_machine_name=A\n", "[general]\nvariantfolder=K\n",
          "getAliasMachinesInfo(): GetStringEntryAndTrim() [general] machine= failed"},

@@ -43,57 +43,42 @@ const MachineProperties& record(const MachineTreeMap& map, const std::string& ke
 
 } // namespace
 
-TEST(DirectoryReader, ListsOneLevelWithKindsAndReturnsToWhereItStarted) {
+// The reader walks from folder to folder; relative folders are taken from
+// where it started, and it always goes back there.
+TEST(DirectoryReader, ListsFolderAfterFolderWithKindsAndReturnsToWhereItStarted) {
     Install install;
-    install.write_c(kRoot + "\\file.txt", "x");
-    install.write_c(kRoot + "\\.hidden", "x");
-    install.folder_c(kRoot + "\\Machine");
+    install.write_c(kRoot + "\\A\\file.txt", "x");
+    install.write_c(kRoot + "\\A\\.hidden", "x");
+    install.folder_c(kRoot + "\\A\\1");
+    install.folder_c(kRoot + "\\B\\2");
     const std::string before = cwd();
-    std::map<std::string, char> seen;
+    ASSERT_EQ(::chdir(install.path().c_str()), 0);
+    const auto list = [](DirectoryReader& reader) {
+        std::map<std::string, char> seen;
+        std::string name;
+        char type = 0;
+        EXPECT_TRUE(reader.First());
+        while (reader.Next(name, type))
+            seen[name] = type;
+        return seen;
+    };
+    using Seen = std::map<std::string, char>;
     {
         DirectoryReader reader;
         std::string name;
         char type = 0;
         EXPECT_FALSE(reader.Next(name, type)); // nothing opened yet
-        ASSERT_TRUE(reader.Open(kRoot));
-        EXPECT_NE(cwd(), before);
-        ASSERT_TRUE(reader.First());
-        while (reader.Next(name, type))
-            seen[name] = type;
-        EXPECT_FALSE(reader.Open(kRoot + "\\missing"));
-        EXPECT_EQ(cwd(), before); // a failed Open has gone back already
-    }
-    EXPECT_EQ(cwd(), before);
-    EXPECT_EQ(seen, (std::map<std::string, char>{
-                        {"..", 'd'}, {".hidden", ' '}, {"Machine", 'd'}, {"file.txt", '-'}}));
-}
-
-TEST(DirectoryReader, OneReaderOpensFolderAfterFolderAndRelativeOnesFromWhereItStarted) {
-    Install install;
-    install.folder_c(kRoot + "\\A\\1");
-    install.folder_c(kRoot + "\\B\\2");
-    const std::string before = cwd();
-    ASSERT_EQ(::chdir(install.path().c_str()), 0);
-    const auto subfolders = [](DirectoryReader& reader) {
-        std::vector<std::string> names;
-        std::string name;
-        char type = 0;
-        EXPECT_TRUE(reader.First());
-        while (reader.Next(name, type))
-            if (name != "..")
-                names.push_back(name);
-        return names;
-    };
-    {
-        DirectoryReader reader;
         ASSERT_TRUE(reader.Open(kRoot + "\\A"));
-        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"1"});
+        EXPECT_EQ(list(reader),
+                  (Seen{{"..", 'd'}, {".hidden", ' '}, {"1", 'd'}, {"file.txt", '-'}}));
         ASSERT_TRUE(reader.Open(kRoot + "\\B"));
-        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"2"});
+        EXPECT_EQ(list(reader), (Seen{{"..", 'd'}, {"2", 'd'}}));
         ASSERT_TRUE(reader.Open("drive_c/work/form_support/machines/A"));
-        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"1"});
         ASSERT_TRUE(reader.Open("drive_c\\work\\form_support\\machines\\B"));
-        EXPECT_EQ(subfolders(reader), std::vector<std::string>{"2"});
+        EXPECT_EQ(list(reader), (Seen{{"..", 'd'}, {"2", 'd'}}));
+        EXPECT_FALSE(reader.Open(kRoot + "\\missing"));
+        EXPECT_EQ(cwd(), install.path()); // a failed Open has gone back already
+        ASSERT_TRUE(reader.Open(kRoot));
     }
     EXPECT_EQ(cwd(), install.path());
     ASSERT_EQ(::chdir(before.c_str()), 0);
