@@ -6,7 +6,6 @@
 #include "errtrace.h"
 #include "kdirtools.h"
 
-
 namespace {
 
 constexpr const char* kInfo = "getAliasMachinesInfo";
