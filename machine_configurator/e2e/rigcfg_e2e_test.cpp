@@ -1,0 +1,159 @@
+// The built program run as the suite's tools run it, over a copy of the
+// example installation: exit codes and the files a run leaves behind.
+#include "scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <initializer_list>
+#include <string>
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+using korv::testing::ScratchDir;
+
+namespace {
+
+const std::string kMidspan = "root/drive_c/ProgramData/Korv/Midspan Plugin/";
+const std::string kKorECon = "root/drive_c/ProgramData/Korv/KorECon/";
+const std::string kMachines = "root/drive_c/ProgramData/Korv/KorSystemConfig/machines/";
+
+std::string Quote(const std::string& text) {
+    std::string out = "'";
+    for (char c : text)
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+class RigCfgRun : public ::testing::Test {
+protected:
+    void SetUp() override {
+        fs::copy(RIGCFG_EXAMPLES, m_dir / "root", fs::copy_options::recursive);
+        fs::create_directories(m_dir / "log");
+    }
+
+    // Runs the program in the scratch folder; the exit code as a caller sees it.
+    int Run(std::initializer_list<std::string> args, const std::string& script = {}) {
+        std::string command = "cd " + Quote(m_dir.path()) +
+                              " && env KORV_ROOT=" + Quote(m_dir / "root") +
+                              " KORV_LOG_DIR=" + Quote(m_dir / "log") + " KORV_TRACE=RigCfg=5";
+        if (!script.empty()) {
+            m_dir.write("script.txt", script);
+            command += " KORV_UI_SCRIPT=" + Quote(m_dir / "script.txt") +
+                       " KORV_UI_TRANSCRIPT=" + Quote(m_dir / "transcript.txt");
+        } else {
+            command += " KORV_UI_SCRIPT=";
+        }
+        command += " " + Quote(RIGCFG_EXE);
+        for (const std::string& arg : args)
+            command += " " + Quote(arg);
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1000;
+    }
+
+    // Everything the run wrote to its log folder.
+    std::string Log() const {
+        std::string all;
+        for (const auto& file : fs::directory_iterator(m_dir / "log"))
+            all += m_dir.read("log/" + file.path().filename().string());
+        return all;
+    }
+
+    ScratchDir m_dir;
+};
+
+TEST_F(RigCfgRun, CopyWritesTheStoredLoaderFileAndResetsTheLoadList) {
+    ASSERT_EQ(Run({"file=VD_140.ini", "variant=6140001"}), 0) << Log();
+    const std::string loader = m_dir.read(kMidspan + "sp_load.ini");
+    EXPECT_NE(loader.find("DRIVEUNIT[VD 140:COM2],TABLE[manual]"), std::string::npos) << loader;
+    const std::string load = m_dir.read(kMidspan + "SP_SUPPORT/load.ini");
+    EXPECT_NE(load.find("ProbeSystemName=\r\n"), std::string::npos) << load;
+    EXPECT_EQ(load.find("TK 300"), std::string::npos) << load;
+    EXPECT_EQ(Log().find("ERR"), std::string::npos) << Log();
+    EXPECT_NE(Log().find("ExitInstance(): exit rigcfg.exe exitcode = 0"), std::string::npos);
+}
+
+TEST_F(RigCfgRun, CopyFailureEndsWithMinusOneAndLeavesTheLoaderFile) {
+    const std::string before = m_dir.read(kMidspan + "sp_load.ini");
+    // A stored text that is no base64 can't be copied.
+    std::string machine = m_dir.read(kMachines + "VD_140.ini");
+    for (std::size_t at = 0; (at = machine.find("config=", at)) != std::string::npos; at += 7)
+        machine.replace(at + 7, machine.find('\r', at) - at - 7, "%%%");
+    m_dir.write(kMachines + "VD_140.ini", machine);
+    // A missing cwd= folder gives -5 at first, which the copy failure replaces.
+    EXPECT_EQ(Run({"file=VD_140.ini", "variant=6140001", "cwd=C:\\nowhere"}), 255);
+    EXPECT_EQ(m_dir.read(kMidspan + "sp_load.ini"), before);
+    EXPECT_NE(Log().find("InitInstance(): copy mode failed"), std::string::npos) << Log();
+    EXPECT_NE(Log().find("InitInstance(): working doesn't exists: C:\\nowhere"), std::string::npos);
+}
+
+TEST_F(RigCfgRun, CreateForKorEConWritesTheAppIniAndTheControlFiles) {
+    ASSERT_EQ(Run({"control=KORECON", "file=\"KMX_100_create.ini\"", "variant=9100200",
+                   "cwd=<CSIDL_PROGRAM_FILES>\\Korv"}),
+              0)
+        << Log();
+    const std::string app = m_dir.read(kKorECon + "RigCfg.ini");
+    EXPECT_NE(app.find("machine=KMX 100\r\norder_no=9100200\r\nproduct_group=KORGEAR\r\n"),
+              std::string::npos)
+        << app;
+    const std::string korecon = m_dir.read(kKorECon + "korecon.ini");
+    EXPECT_NE(korecon.find("dynamic_path=C:\\Program Files\\korv\\korecon\\KorGear\\machines\\KMX "
+                           "100\\9100200"),
+              std::string::npos)
+        << korecon;
+    EXPECT_NE(Log().find("InitInstance(): change cwd to : "), std::string::npos) << Log();
+}
+
+TEST_F(RigCfgRun, CreateWithAnAliasKeepsTheTrueVariantInTheFolder) {
+    ASSERT_EQ(Run({"control=korecon", "file=KMX_100_create.ini", "variant=9100100",
+                   "alias_machine_name=KMX 100 Light", "alias_variant=9100111"}),
+              0)
+        << Log();
+    const std::string app = m_dir.read(kKorECon + "RigCfg.ini");
+    EXPECT_NE(app.find("machine=KMX 100 Light\r\norder_no=9100111\r\n"), std::string::npos) << app;
+    EXPECT_NE(app.find("\\KMX 100\\9100100\r\n"), std::string::npos) << app;
+}
+
+TEST_F(RigCfgRun, CreateOfAMidspanFormMachineWritesTheFormLoaderButFails) {
+    // The application ini takes only the KorECon family: the write is refused
+    // after it is done, and the run ends as a failed create.
+    EXPECT_EQ(Run({"file=MFU_100_create.ini", "variant=6420101", "cwd=C:\\nowhere"}), 251);
+    const std::string form = m_dir.read(kMidspan + "form_load.ini");
+    EXPECT_NE(form.find("active_section=MFU 100:OrderNo:6420101,"), std::string::npos) << form;
+    EXPECT_NE(Log().find("InitInstance(): create mode failed. CfgIniFileMachinIni() failed."),
+              std::string::npos)
+        << Log();
+}
+
+TEST_F(RigCfgRun, UnreadableOrUnknownMachineFilesFallBackToTheDialog) {
+    EXPECT_EQ(Run({"file=missing.ini"}, "click 2\n"), 2);
+    EXPECT_NE(Log().find("InitInstance(): failed to read file missing.ini"), std::string::npos);
+    EXPECT_NE(m_dir.read("transcript.txt").find("open 102"), std::string::npos);
+
+    std::string machine = m_dir.read(kMachines + "KMX_100_create.ini");
+    machine.replace(machine.find("mode=create"), 11, "mode=Create");
+    m_dir.write(kMachines + "KMX_100_create.ini", machine);
+    // OK in a run that is not "new" keeps the initial code.
+    EXPECT_EQ(Run({"file=KMX_100_create.ini", "variant=9100100"}, "click 1\n"), 255);
+    EXPECT_NE(Log().find("InitInstance(): unknown mode Create"), std::string::npos) << Log();
+
+    // Nothing to show dialogs with: the dialog course ends at once.
+    EXPECT_EQ(Run({"cwd=C:\\nowhere"}), 251);
+}
+
+TEST_F(RigCfgRun, NewModeSavesTheLiveLoaderFileIntoTheMachineFile) {
+    ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}, "click 1\n"), 1) << Log();
+    const std::string machine = m_dir.read(kMachines + "VD_120_new.ini");
+    EXPECT_NE(machine.find("mode=copy"), std::string::npos) << machine;
+    EXPECT_NE(machine.find("target=<AppData>\\Korv\\Midspan Plugin\\sp_load.ini"),
+              std::string::npos)
+        << machine;
+    // The saved copy brings the same loader file back.
+    const std::string before = m_dir.read(kMidspan + "sp_load.ini");
+    m_dir.write(kMidspan + "sp_load.ini", "[General]\r\n");
+    ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}), 0) << Log();
+    EXPECT_EQ(m_dir.read(kMidspan + "sp_load.ini"), before);
+}
+
+} // namespace
