@@ -34,7 +34,10 @@ protected:
     }
 
     // Runs the program in the scratch folder; the exit code as a caller sees it.
+    // The log holds this run only.
     int Run(std::initializer_list<std::string> args, const std::string& script = {}) {
+        fs::remove_all(m_dir / "log");
+        fs::create_directories(m_dir / "log");
         std::string command = "cd " + Quote(m_dir.path()) +
                               " && env KORV_ROOT=" + Quote(m_dir / "root") +
                               " KORV_LOG_DIR=" + Quote(m_dir / "log") + " KORV_TRACE=RigCfg=5";
@@ -138,11 +141,21 @@ TEST_F(RigCfgRun, UnreadableOrUnknownMachineFilesFallBackToTheDialog) {
     EXPECT_EQ(Run({"file=KMX_100_create.ini", "variant=9100100"}, "click 1\n"), 255);
     EXPECT_NE(Log().find("InitInstance(): unknown mode Create"), std::string::npos) << Log();
 
+    // An empty file= is no silent run at all.
+    EXPECT_EQ(Run({"file=", "variant=9100100"}, "click 2\n"), 2);
+    EXPECT_EQ(Log().find("processing commandline parameter(s)"), std::string::npos) << Log();
+
     // Nothing to show dialogs with: the dialog course ends at once.
     EXPECT_EQ(Run({"cwd=C:\\nowhere"}), 251);
 }
 
 TEST_F(RigCfgRun, NewModeSavesTheLiveLoaderFileIntoTheMachineFile) {
+    // Only the Midspan loader file can be taken back into a machine file.
+    EXPECT_EQ(Run({"control=korecon", "file=VD_120_new.ini", "variant=6120001"}, "click 1\n"), 255);
+    EXPECT_NE(Log().find("ProcessConfigFile(): unsupported mode new for KorECon"),
+              std::string::npos)
+        << Log();
+
     ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}, "click 1\n"), 1) << Log();
     const std::string machine = m_dir.read(kMachines + "VD_120_new.ini");
     EXPECT_NE(machine.find("mode=copy"), std::string::npos) << machine;
