@@ -3,6 +3,7 @@
 
 #include "errtrace.h"
 #include "ktranslate.h"
+#include "stl_utilities.h"
 
 #include <cctype>
 #include <cstring>
@@ -84,20 +85,13 @@ std::vector<std::string> TokenizeString(const std::string& text, const std::stri
 
 std::string StripComment(const std::string& text) {
     std::string result = text;
-    for (const char* marker : {"//", "/*", ";"}) {
-        const std::size_t at = result.find(marker);
-        if (at != std::string::npos)
-            result.erase(at);
-    }
+    korv::stl_string_strip_comment(result);
     return result;
 }
 
 std::string StripWhitespace(const std::string& text) {
-    std::string result;
-    result.reserve(text.size());
-    for (char c : text)
-        if (!std::isspace(static_cast<unsigned char>(c)))
-            result += c;
+    std::string result = text;
+    korv::stl_string_remove_white_space(result);
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "machine_file_text.h"
 
+#include "stl_utilities.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -10,18 +12,10 @@ char lower(char c) {
     return (c >= 'A' && c <= 'Z') ? static_cast<char>(c | 0x20) : c;
 }
 
-void cut_at(std::string& text, const char* marker) {
-    const std::size_t pos = text.find(marker);
-    if (pos != std::string::npos)
-        text.erase(pos);
-}
-
 } // namespace
 
 void strip_comment(std::string& text) {
-    cut_at(text, "//");
-    cut_at(text, "/*");
-    cut_at(text, ";");
+    korv::stl_string_strip_comment(text);
 }
 
 void trim_blanks(std::string& text) {
@@ -35,9 +29,7 @@ void trim_blanks(std::string& text) {
 }
 
 void remove_white_space(std::string& text) {
-    text.erase(std::remove_if(text.begin(), text.end(),
-                              [](char c) { return std::isspace(static_cast<unsigned char>(c)); }),
-               text.end());
+    korv::stl_string_remove_white_space(text);
 }
 
 std::vector<std::string> read_list(std::string value, bool cut_comment) {

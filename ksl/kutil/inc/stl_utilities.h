@@ -29,6 +29,11 @@ std::size_t stl_string_replace(std::string& text, const std::string& search,
 
 // ASCII letters only.
 void stl_string_to_lower(std::string& text);
+// Cuts a trailing comment introduced by "//", then one by "/*", then one by ";",
+// as values in the system's ini files carry them.
+void stl_string_strip_comment(std::string& text);
+// Takes every white space character out.
+void stl_string_remove_white_space(std::string& text);
 
 // strtol base 10 held to 32 bits (saturating, errno ERANGE) and strtod. The value
 // is stored whatever happens. With `whole` the text must be used up entirely;

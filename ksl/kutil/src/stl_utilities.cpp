@@ -1,5 +1,7 @@
 #include "stl_utilities.h"
 
+#include <cctype>
+
 #include <algorithm>
 
 namespace korv {
@@ -91,6 +93,18 @@ bool stl_string_unquote_space(std::string& text) {
     }
     text = std::move(result);
     return true;
+}
+
+void stl_string_strip_comment(std::string& text) {
+    for (const char* marker : {"//", "/*", ";"}) {
+        const std::size_t at = text.find(marker);
+        if (at != std::string::npos)
+            text.erase(at);
+    }
+}
+
+void stl_string_remove_white_space(std::string& text) {
+    std::erase_if(text, [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; });
 }
 
 } // namespace korv

@@ -158,3 +158,15 @@ TEST_F(StlText, Base64DecodeOfStrings) {
 }
 
 } // namespace
+
+TEST(StlStrip, CommentsGoInTheirOrderAndWhiteSpaceGoesEverywhere) {
+    std::string text = "a b ; c // d";
+    korv::stl_string_strip_comment(text);
+    EXPECT_EQ(text, "a b ");
+    text = "x/*y;z";
+    korv::stl_string_strip_comment(text);
+    EXPECT_EQ(text, "x");
+    text = " M\tF U\r\n100 \v";
+    korv::stl_string_remove_white_space(text);
+    EXPECT_EQ(text, "MFU100");
+}
