@@ -77,18 +77,43 @@ TEST_F(RigCfgRun, CopyWritesTheStoredLoaderFileAndResetsTheLoadList) {
     EXPECT_NE(Log().find("ExitInstance(): exit rigcfg.exe exitcode = 0"), std::string::npos);
 }
 
-TEST_F(RigCfgRun, CopyFailureEndsWithMinusOneAndLeavesTheLoaderFile) {
+// Sets every value of `key` in the machine file to `value`.
+void SetEveryValue(std::string& machine, const std::string& key, const std::string& value) {
+    const std::string line_start = "\n" + key + "=";
+    for (std::size_t at = 0; (at = machine.find(line_start, at)) != std::string::npos;) {
+        const std::size_t from = at + line_start.size();
+        machine.replace(from, machine.find('\r', from) - from, value);
+        at = from + value.size();
+    }
+}
+
+TEST_F(RigCfgRun, EachCopyFailureEndsWithMinusOneAndLeavesTheLoaderFile) {
+    const struct {
+        const char* key;
+        const char* value;
+        const char* logged;
+    } failures[] = {
+        {"config", "%%%", "CopyConfig(): base64 decode failed"},
+        {"config", "QQ=\n", "CopyConfig(): base64 decode failed"},
+        {"config",
+         "a2V5PTENCg==", "CopyConfig(): error set content for"}, // "key=1" before any section
+        {"target", "C:\\nowhere\\sp_load.ini", "CopyConfig(): error save target="},
+    };
     const std::string before = m_dir.read(kMidspan + "sp_load.ini");
-    // A stored text that is no base64 can't be copied.
-    std::string machine = m_dir.read(kMachines + "VD_140.ini");
-    for (std::size_t at = 0; (at = machine.find("config=", at)) != std::string::npos; at += 7)
-        machine.replace(at + 7, machine.find('\r', at) - at - 7, "%%%");
-    m_dir.write(kMachines + "VD_140.ini", machine);
-    // A missing cwd= folder gives -5 at first, which the copy failure replaces.
-    EXPECT_EQ(Run({"file=VD_140.ini", "variant=6140001", "cwd=C:\\nowhere"}), 255);
-    EXPECT_EQ(m_dir.read(kMidspan + "sp_load.ini"), before);
-    EXPECT_NE(Log().find("InitInstance(): copy mode failed"), std::string::npos) << Log();
-    EXPECT_NE(Log().find("InitInstance(): working doesn't exists: C:\\nowhere"), std::string::npos);
+    const std::string original = m_dir.read(kMachines + "VD_140.ini");
+    for (const auto& failure : failures) {
+        std::string machine = original;
+        SetEveryValue(machine, failure.key, failure.value);
+        m_dir.write(kMachines + "VD_140.ini", machine);
+        // A missing cwd= folder gives -5 at first, which the copy failure replaces.
+        EXPECT_EQ(Run({"file=VD_140.ini", "variant=6140001", "cwd=C:\\nowhere"}), 255)
+            << failure.value;
+        EXPECT_EQ(m_dir.read(kMidspan + "sp_load.ini"), before) << failure.value;
+        EXPECT_NE(Log().find(failure.logged), std::string::npos) << failure.value << Log();
+        EXPECT_NE(Log().find("InitInstance(): copy mode failed"), std::string::npos) << Log();
+        EXPECT_NE(Log().find("InitInstance(): working doesn't exists: C:\\nowhere"),
+                  std::string::npos);
+    }
 }
 
 TEST_F(RigCfgRun, CreateForKorEConWritesTheAppIniAndTheControlFiles) {
