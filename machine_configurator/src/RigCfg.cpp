@@ -6,7 +6,7 @@
 #include "errtrace.h"
 #include "kdirtools.h"
 #include "kplatform_module.h"
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 #include "kregistry.h"
 #include "ktranslate.h"
 #include "kversioninfo.h"

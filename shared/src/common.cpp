@@ -1,7 +1,7 @@
 #include "common.h"
 
 #include "errtrace.h"
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 #include "kregistry.h"
 
 #include <algorithm>

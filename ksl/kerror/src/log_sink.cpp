@@ -1,7 +1,7 @@
 #include "log_sink.h"
 
 #include "kplatform_paths.h"
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 
 #include <chrono>
 #include <cstdio>
@@ -43,8 +43,8 @@ void close_files(Settings& s) {
     s.trace_file = s.error_file = nullptr;
 }
 
-void parse_levels(Settings& s, const char* spec) {
-    std::string text = spec ? spec : "";
+void parse_levels(Settings& s, const char* levels) {
+    std::string text = levels ? levels : "";
     std::size_t at = 0;
     while (at <= text.size()) {
         std::size_t end = text.find(',', at);

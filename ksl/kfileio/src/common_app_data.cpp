@@ -2,7 +2,7 @@
 
 #include "errtrace.h"
 #include "kdirtools.h"
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 
 #include <cerrno>
 #include <cstdlib>

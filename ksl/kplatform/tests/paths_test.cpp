@@ -1,5 +1,5 @@
 #include "kplatform_paths.h"
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 #include "scratch_dir.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "kplatform_special_folders.h"
+#include "kplatform_shell_folders.h"
 
 #include "kplatform_paths.h"
 
