@@ -179,6 +179,15 @@ LONG join(const std::string& base, const char* sub_key, std::string& path) {
     return ERROR_SUCCESS;
 }
 
+// The full path of `sub_key` below the key behind the handle `key`.
+LONG key_path(HKEY key, const char* sub_key, std::string& path) {
+    std::string base;
+    REGSAM ignored = 0;
+    if (!resolve(key, base, ignored))
+        return ERROR_INVALID_HANDLE;
+    return join(base, sub_key, path);
+}
+
 HKEY new_handle(std::string path, REGSAM access) {
     HKEY handle = new HKEY__{std::move(path), access};
     g_handles.insert(handle);
@@ -335,13 +344,9 @@ LONG RegOpenKeyExA(HKEY key, const char* sub_key, DWORD /*options*/, REGSAM desi
     if (!result)
         return ERROR_INVALID_PARAMETER;
     *result = nullptr;
-    std::string base;
-    REGSAM ignored = 0;
-    if (!resolve(key, base, ignored))
-        return ERROR_INVALID_HANDLE;
     std::string path;
-    if (const LONG joined = join(base, sub_key, path); joined != ERROR_SUCCESS)
-        return joined;
+    if (const LONG found = key_path(key, sub_key, path); found != ERROR_SUCCESS)
+        return found;
     if (!current().data->exists(path))
         return ERROR_FILE_NOT_FOUND;
     *result = new_handle(std::move(path), desired);
@@ -479,13 +484,9 @@ LONG RegDeleteKeyExA(HKEY key, const char* sub_key, REGSAM /*desired*/, DWORD /*
     std::lock_guard lock(g_mutex);
     if (!sub_key)
         return ERROR_INVALID_PARAMETER;
-    std::string base;
-    REGSAM ignored = 0;
-    if (!resolve(key, base, ignored))
-        return ERROR_INVALID_HANDLE;
     std::string path;
-    if (const LONG joined = join(base, sub_key, path); joined != ERROR_SUCCESS)
-        return joined;
+    if (const LONG found = key_path(key, sub_key, path); found != ERROR_SUCCESS)
+        return found;
     if (path.find('\\') == std::string::npos)
         return ERROR_ACCESS_DENIED; // a root can't go
     return modify([&](Registry& registry, bool& changed) {

@@ -29,6 +29,16 @@ int format_into(std::string& out, const char* format, va_list args) {
     return result;
 }
 
+// format_into for both forms of stl_string_format, which report a failure alike.
+int format_reported(std::string& text, const char* format, va_list args) {
+    const int length = format_into(text, format, args);
+    if (length < 0) {
+        const int error = errno;
+        KERRLOG("%s(): stl_string_format() failed: %s", "stl_string_format", std::strerror(error));
+    }
+    return length;
+}
+
 } // namespace
 
 std::string stl_string_format_va(const char* format, va_list args) {
@@ -45,12 +55,8 @@ std::string stl_string_format(const char* format, ...) {
     va_list args;
     va_start(args, format);
     std::string text;
-    const int length = format_into(text, format, args);
+    format_reported(text, format, args);
     va_end(args);
-    if (length < 0) {
-        const int error = errno;
-        KERRLOG("%s(): stl_string_format() failed: %s", "stl_string_format", std::strerror(error));
-    }
     return text;
 }
 
@@ -59,12 +65,8 @@ int stl_string_format(std::string& target, const char* format, ...) {
     va_start(args, format);
     // Formatted aside first: the target may be one of the arguments.
     std::string text;
-    const int length = format_into(text, format, args);
+    const int length = format_reported(text, format, args);
     va_end(args);
-    if (length < 0) {
-        const int error = errno;
-        KERRLOG("%s(): stl_string_format() failed: %s", "stl_string_format", std::strerror(error));
-    }
     target = std::move(text);
     return length;
 }
