@@ -12,6 +12,7 @@
 // camera list, catalogue.
 #pragma once
 
+#include "CfgHistory.h"
 #include "KIniData_template_core.h"
 #include "data_sheets.h"
 #include "ui_framework.h"
@@ -38,21 +39,6 @@ struct ActiveConfigRecord {
     std::string product_group;
     std::string folder;
     std::string proxy;
-};
-
-// One snapshot of the undo history. The three unit texts are fixed fields;
-// set_text cuts a longer value so that it always fits with its terminator.
-struct CfgHistoryEntry {
-    static constexpr std::size_t kTextSize = 256;
-
-    std::string group = "CONTOUR/SURFACE";
-    char drive_unit[kTextSize] = {};
-    char table[kTextSize] = {};
-    char stand[kTextSize] = {};
-    std::string folder;
-    std::string proxy;
-
-    static void set_text(char (&field)[kTextSize], const std::string& value);
 };
 
 // The parts of an active section string.
@@ -116,9 +102,48 @@ bool BuildMachineDisplay(const std::string& driveUnit, const std::string& typeWo
 void update_different_entry(korv::KIniData& ini, const std::string& section, const std::string& key,
                             const std::string& value);
 
+// The about box: the program's version.
+class CAboutDlg : public korv::ui::CDialog {
+public:
+    static constexpr int IDD = 100;
+    static constexpr int IDC_VERSION = 1019;
+
+    CAboutDlg() : korv::ui::CDialog(IDD) {}
+
+protected:
+    bool OnInitDialog() override;
+};
+
 class CMidSpanCfgDlg : public korv::ui::CDialog {
 public:
     static constexpr int IDD = 102;
+
+    // Controls of the dialog resource.
+    enum : int {
+        IDC_END = 1,
+        IDC_TABLE_LABEL = 1002,
+        IDC_WORKDIR = 1003,
+        IDC_STAND_LABEL = 1006,
+        IDC_PROXY_LABEL = 1007,
+        IDC_NEW = 1014,
+        IDC_FRAME_TOP = 1015,
+        IDC_UNDO = 1016,
+        IDC_FRAME_BOTTOM = 1017,
+        IDC_REDO = 1018,
+        IDC_GROUP = 1036,
+        IDC_UNIT = 1037,
+        IDC_TABLE = 1038,
+        IDC_STAND = 1040,
+        IDC_PROXY_VALUE = 1041,
+        IDC_PROXY = 1042,
+        IDC_CONTROL = 1044,
+        IDC_UNIT_LABEL = 1063,
+        IDC_VERSION = 1064,
+        IDC_HEADER_CAPTION = 1102,
+        IDC_HEADER = 1104,
+    };
+    // The system command that opens the about box.
+    static constexpr unsigned IDM_ABOUTBOX = 0x10;
 
     CMidSpanCfgDlg(ProductType productType, const std::string& appFolder,
                    const std::string& workDir, CMidSpanCfgApp* pApp);
@@ -160,6 +185,19 @@ public:
     bool InitCfgDataStructure(const std::string& cfgPath);
     void FreeCfgDataStructure();
 
+    // --- The window.
+    // The refresh of everything that depends on the group: labels, which
+    // lines show, the machine display form. At start and after a wizard result.
+    void OnInitDlg();
+    // New, Undo and Redo enabled as the catalogue and the history allow.
+    void RefreshHistoryButtons();
+    void OnButtonUndo();
+    void OnButtonRedo();
+    // Runs the wizard and takes its result over; leaves m_wizardResult.
+    void OnButtonNew();
+    // The system menu; only the about box is handled here.
+    void OnSysCommand(unsigned nID, long lParam);
+
     // Configuration, in this order.
     std::int32_t m_productType;
     ActiveConfigRecord m_record;
@@ -184,4 +222,25 @@ public:
     std::unique_ptr<MachineSheetList> m_machineSheets;
     std::unique_ptr<TableSheetList> m_tableSheets;
     std::unique_ptr<StandSheetList> m_standSheets;
+
+    // --- Widgets, bound by DoDataExchange and OnInitDialog.
+    korv::ui::CButton m_newButton;
+    korv::ui::CStatic m_workDirText;
+    korv::ui::CBitmapButton m_undoButton;
+    korv::ui::CBitmapButton m_redoButton;
+    korv::ui::CStatic m_headerBitmap;
+    korv::ui::CStatic m_headerCaption;
+    korv::ui::CDlgToolTipCtrl m_toolTip;
+
+protected:
+    void DoDataExchange(korv::ui::CDataExchange* pDX) override;
+    bool OnInitDialog() override;
+    // Refuses to end while no configuration is active.
+    void OnOK() override;
+
+private:
+    // Undo (back) or redo, after the user's confirmation.
+    void StepHistory(bool back);
+    // Shows or hides a control, if the window has it.
+    void ShowControl(int id, bool show);
 };

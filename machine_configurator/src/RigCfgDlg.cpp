@@ -9,7 +9,15 @@ CMidSpanCfgDlg::CMidSpanCfgDlg(ProductType productType, const std::string& appFo
                                const std::string& workDir, CMidSpanCfgApp* pApp)
     : korv::ui::CDialog(IDD), m_productType(productType), m_appFolder(appFolder),
       m_workDir(workDir), m_pApp(pApp) {
+    // Icon 128 and WM_QUERYDRAGICON have no counterpart in the dialog model:
+    // hosts show the program's icon themselves.
     m_versionLabel = "v" + korv::FileVersionInfo().GetFileVersion();
+    // WM_SYSCOMMAND arrives through OnSysCommand; WM_PAINT (the icon of the
+    // minimised window) and WM_CTLCOLOR (the header caption drawn transparent
+    // over the bitmap) are the host's drawing.
+    MapCommand(korv::ui::BN_CLICKED, IDC_UNDO, [this] { OnButtonUndo(); });
+    MapCommand(korv::ui::BN_CLICKED, IDC_REDO, [this] { OnButtonRedo(); });
+    MapCommand(korv::ui::BN_CLICKED, IDC_NEW, [this] { OnButtonNew(); });
     if (m_productType == ProductTypeMidspan)
         KTRACE(4, "CMidSpanCfgDlg(): use product type MIDSPAN");
     else if (m_productType == ProductTypeKorECon)

@@ -6,7 +6,6 @@
 #include "stl_utilities.h"
 
 #include <cctype>
-#include <cstring>
 #include <initializer_list>
 
 namespace {
@@ -186,12 +185,6 @@ bool BuildMachineDisplay(const std::string& driveUnit, const std::string& typeWo
     if (!tokens[2].empty())
         display += ":" + typeWord + ":" + tokens[2];
     return true;
-}
-
-void CfgHistoryEntry::set_text(char (&field)[kTextSize], const std::string& value) {
-    const std::size_t length = value.size() < kTextSize ? value.size() : kTextSize - 1;
-    std::memcpy(field, value.data(), length);
-    field[length] = '\0';
 }
 
 bool CMidSpanCfgDlg::ConvertDrvunitStringToNewFormat(const std::string& driveUnit,
