@@ -1,0 +1,32 @@
+// The proxy page: a fixed list of proxies, the same for every group.
+#pragma once
+
+#include "ui_framework.h"
+
+#include <string>
+#include <vector>
+
+class CWizardDlg;
+
+class CWizProxies : public korv::ui::CDialog {
+public:
+    static constexpr int IDD = 170;
+    static constexpr int IDC_PROXIES = 1067;
+
+    explicit CWizProxies(CWizardDlg* pWizard);
+
+    // The value at the selected index; empty for an index outside the list.
+    std::string GetProxyName() const;
+
+    CWizardDlg* m_pWizard;
+    std::vector<std::string> m_proxyValues;
+    korv::ui::CComboBox* m_pProxyBox = nullptr;
+
+protected:
+    bool OnInitDialog() override;
+    void OnOK() override {}
+    void OnCancel() override {}
+
+private:
+    korv::ui::CComboBox m_proxyBox;
+};
