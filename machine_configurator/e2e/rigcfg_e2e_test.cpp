@@ -174,6 +174,30 @@ TEST_F(RigCfgRun, UnreadableOrUnknownMachineFilesFallBackToTheDialog) {
     EXPECT_EQ(Run({"cwd=C:\\nowhere"}), 251);
 }
 
+TEST_F(RigCfgRun, NewModeSavesWhatTheWizardMadeIntoTheMachineFile) {
+    // The wizard opens at the interfaces of "SURFACE": COM1, VD 120, the first
+    // table and stand, Finish.
+    const std::string script = "check 1026\nclick 1\nselect 1090 \"VD 120\"\n"
+                               "click 1\nclick 1\nclick 1\nclick 1\n";
+    ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}, script), 1) << Log();
+    const std::string loader = m_dir.read(kMidspan + "sp_load.ini");
+    EXPECT_NE(loader.find("active_section=DRIVEUNIT[VD 120:COM1],TABLE[Y-Table 100],"
+                          "MEASURESTAND[SZ 750 D:horizontal],CONTROL[]\r\n"
+                          "active=CONTOUR/SURFACE"),
+              std::string::npos)
+        << loader;
+    const std::string machine = m_dir.read(kMachines + "VD_120_new.ini");
+    EXPECT_NE(machine.find("mode=copy"), std::string::npos) << machine;
+    EXPECT_NE(machine.find("target=<AppData>\\Korv\\Midspan Plugin\\sp_load.ini"),
+              std::string::npos)
+        << machine;
+
+    // The saved copy brings the same loader file back.
+    m_dir.write(kMidspan + "sp_load.ini", "[General]\r\n");
+    ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}), 0) << Log();
+    EXPECT_EQ(m_dir.read(kMidspan + "sp_load.ini"), loader);
+}
+
 TEST_F(RigCfgRun, NewModeOpensTheWizardAtOnceAndACancelSavesNothing) {
     // Whatever the wizard offers, a cancelled one ends the run with 2 and
     // leaves the machine file and the loader file as they were.

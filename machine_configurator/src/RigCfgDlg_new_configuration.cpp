@@ -1,10 +1,48 @@
-// The new-configuration flow. The wizard is not built yet: New answers as a
-// cancelled wizard, so nothing changes and nothing is written.
+// The new-configuration flow: the one place where a wizard result becomes the
+// active configuration, a snapshot and written files.
 #include "RigCfgDlg.h"
 
-#include "errtrace.h"
+#include "CfgHistory.h"
+#include "wizard/CustomWizardDlg.h"
+#include "wizard/WizardPageList.h"
 
 void CMidSpanCfgDlg::OnButtonNew() {
-    KERRLOG("OnButtonNew(): the configuration wizard is not available in this build");
-    m_wizardResult = 2;
+    CCustomWizardDlg wizard(this);
+    // Declared after the wizard, so the pages go first.
+    WizardPageList pages(wizard);
+    m_wizardResult = wizard.DoModal();
+
+    // An incomplete result is a cancel, without a word; control and proxy may be empty.
+    if (m_wizardResult != 1 || wizard.m_resGroup.empty() || wizard.m_resDriveUnit.empty() ||
+        wizard.m_resTable.empty() || wizard.m_resStand.empty())
+        return;
+
+    m_actGroup = wizard.m_resGroup;
+    m_actDriveUnit = wizard.m_resDriveUnit;
+    m_actTable = wizard.m_resTable;
+    m_actStand = wizard.m_resStand;
+    m_actControl = wizard.m_resControl;
+    m_actProxy = wizard.m_resProxy;
+    m_iniFolder = wizard.m_resIniFolder;
+    m_iniFile = wizard.m_resIniFile;
+
+    CfgHistoryEntry snapshot;
+    snapshot.group = NormaliseGroupKey(m_actGroup);
+    if (snapshot.group == "FORM" && m_productType == ProductTypeMidspan)
+        WriteFormLoadIni(m_workDir + "\\form_load.ini");
+    CfgHistoryEntry::set_text(snapshot.drive_unit, m_actDriveUnit);
+    CfgHistoryEntry::set_text(snapshot.table, m_actTable);
+    CfgHistoryEntry::set_text(snapshot.stand, m_actStand);
+    snapshot.folder = wizard.m_resIniFolder;
+    snapshot.proxy = m_actProxy;
+    TheCfgHistory().Push(snapshot);
+
+    RefreshHistoryButtons();
+    OnInitDlg();
+    INICfgFileIO(m_workDir, 1);
+
+    if (m_productType == ProductTypeKorECon) {
+        m_record.folder = wizard.m_resIniFolder;
+        UpdateConfigFilesKorEcon();
+    }
 }
