@@ -9,30 +9,9 @@
 
 using namespace korv;
 using korv::testing::ScopedEnv;
-using korv::testing::ScratchRoot;
+using Lines = std::vector<std::string>;
 
 namespace {
-
-// Removes an environment variable for its lifetime.
-class ScopedUnset {
-public:
-    explicit ScopedUnset(const char* name) : m_name(name) {
-        if (const char* old = std::getenv(name)) {
-            m_had = true;
-            m_old = old;
-        }
-        ::unsetenv(name);
-    }
-    ~ScopedUnset() {
-        if (m_had)
-            ::setenv(m_name.c_str(), m_old.c_str(), 1);
-    }
-
-private:
-    std::string m_name;
-    bool m_had = false;
-    std::string m_old;
-};
 
 class AppData : public ::testing::Test {
 protected:
@@ -41,36 +20,37 @@ protected:
         KErrTrace_ClearContext();
         KErrTrace_EndContext();
     }
-    static std::vector<std::string> trace() { return diag::error_trace_lines(); }
+    // The trace so far; a fresh one for the next check.
+    static Lines take_trace() {
+        Lines lines = diag::error_trace_lines();
+        KErrTrace_ClearContext();
+        return lines;
+    }
 
-    ScratchRoot m_root;
+    korv::testing::ScratchRoot m_root;
+    ScopedEnv m_env{"KORV_CONFIGPATH", ""}; // restores the variable afterwards
 };
 
 } // namespace
 
-TEST_F(AppData, CommonDataOfThePlatform) {
-    ScopedUnset unset("KORV_CONFIGPATH");
+TEST_F(AppData, CommonDataOfThePlatformOrOfTheVariable) {
+    ::unsetenv("KORV_CONFIGPATH");
     std::string folder;
     ASSERT_TRUE(GetCommonAppDataFolder(folder));
     EXPECT_EQ(folder, "C:\\ProgramData");
-
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "Midspan Plugin", true));
     EXPECT_EQ(folder, "C:\\ProgramData\\Korv\\Midspan Plugin\\");
     EXPECT_TRUE(dir_exists(m_root.path() + "/drive_c/ProgramData/Korv/Midspan Plugin"));
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, nullptr, "KorSystemConfig", false));
     EXPECT_EQ(folder, "C:\\ProgramData\\KorSystemConfig\\");
     EXPECT_FALSE(dir_exists("C:\\ProgramData\\KorSystemConfig"));
-}
 
-TEST_F(AppData, TheVariableMovesTheCommonData) {
-    ScopedEnv moved("KORV_CONFIGPATH", "D:\\cfg");
-    std::string folder;
+    ::setenv("KORV_CONFIGPATH", "D:\\cfg", 1);
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "KorECon", true));
     EXPECT_EQ(folder, "D:\\cfg\\Korv\\KorECon\\");
     EXPECT_TRUE(dir_exists(m_root.path() + "/drive_d/cfg/Korv/KorECon"));
-
     // Set but empty: an empty base, so the folder starts with a separator.
-    ScopedEnv empty("KORV_CONFIGPATH", "");
+    ::setenv("KORV_CONFIGPATH", "", 1);
     ASSERT_TRUE(GetCommonAppDataFolder(folder));
     EXPECT_EQ(folder, "");
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "RigCfg", false));
@@ -78,27 +58,24 @@ TEST_F(AppData, TheVariableMovesTheCommonData) {
 }
 
 TEST_F(AppData, BufferFormAndRefusals) {
-    ScopedUnset unset("KORV_CONFIGPATH");
+    ::unsetenv("KORV_CONFIGPATH");
     std::string folder = "untouched";
     EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", "", false));
     EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", nullptr, false));
-    EXPECT_EQ(trace().at(0), "GetCommonAppDataFolderForProduct(): no company name");
+    EXPECT_EQ(take_trace().at(0), "GetCommonAppDataFolderForProduct(): no company name");
     EXPECT_EQ(folder, "untouched");
 
     // "C:\ProgramData\Korv\RigCfg\" is 27 bytes and needs 28 with its terminator.
     char buffer[64];
     ASSERT_TRUE(GetCommonAppDataFolderProduct(buffer, 28, "Korv", "RigCfg", false));
     EXPECT_STREQ(buffer, "C:\\ProgramData\\Korv\\RigCfg\\");
-    KErrTrace_ClearContext();
     EXPECT_FALSE(GetCommonAppDataFolderProduct(buffer, 27, "Korv", "RigCfg", false));
-    EXPECT_EQ(trace(), (std::vector<std::string>{
-                           "GetCommonAppDataFolderProduct(): folder name too long (27 <= 27)"}));
+    EXPECT_EQ(take_trace(),
+              Lines{"GetCommonAppDataFolderProduct(): folder name too long (27 <= 27)"});
 
-    // A folder that can't be made.
-    KErrTrace_ClearContext();
     m_root.write("drive_c/ProgramData/Korv", "a file, not a folder");
     EXPECT_FALSE(GetCommonAppDataFolderProduct(buffer, sizeof buffer, "Korv", "RigCfg", true));
-    const std::vector<std::string> lines = trace();
+    const Lines lines = take_trace();
     ASSERT_GE(lines.size(), 2u);
     EXPECT_EQ(lines[lines.size() - 2], "GetCommonAppDataFolderForProduct createDirectoryRecursive("
                                        "C:\\ProgramData\\Korv\\RigCfg\\) failed");
@@ -107,25 +84,21 @@ TEST_F(AppData, BufferFormAndRefusals) {
 }
 
 TEST_F(AppData, CacheFolderIgnoresTheVariable) {
-    ScopedEnv moved("KORV_CONFIGPATH", "D:\\cfg");
+    ::setenv("KORV_CONFIGPATH", "D:\\cfg", 1);
     ScopedEnv user("USER", "tester");
     std::string folder;
     ASSERT_TRUE(get_cache_data_folder(folder));
     EXPECT_EQ(folder, "C:\\Users\\tester\\AppData\\Local");
-
     ASSERT_TRUE(GetCacheDataFolderProduct(folder, "Korv", "RigCfg", true));
     EXPECT_EQ(folder, "C:\\Users\\tester\\AppData\\Local\\Korv\\RigCfg\\");
     EXPECT_TRUE(dir_exists(m_root.path() + "/drive_c/Users/tester/AppData/Local/Korv/RigCfg"));
 
     EXPECT_FALSE(GetCacheDataFolderProduct(folder, "", "RigCfg", false));
     EXPECT_FALSE(GetCacheDataFolderProduct(folder, "Korv", nullptr, false));
-    EXPECT_EQ(trace(), (std::vector<std::string>{
-                           "korv::GetCacheDataFolderProduct(): company name is empty",
-                           "korv::GetCacheDataFolderProduct(): product name is empty"}));
-
-    KErrTrace_ClearContext();
     char buffer[16];
     EXPECT_FALSE(GetCacheDataFolderProduct(buffer, sizeof buffer, "Korv", "RigCfg", false));
-    EXPECT_EQ(trace(), (std::vector<std::string>{
-                           "GetCacheDataFolderProduct(): folder name too long (16 <= 42)"}));
+    EXPECT_EQ(take_trace(),
+              (Lines{"korv::GetCacheDataFolderProduct(): company name is empty",
+                     "korv::GetCacheDataFolderProduct(): product name is empty",
+                     "GetCacheDataFolderProduct(): folder name too long (16 <= 42)"}));
 }

@@ -24,62 +24,43 @@ std::string mixed_text(std::uint32_t seed, std::size_t lines) {
     const char* const endings[] = {"\n", "\r\n", "\r"};
     for (std::size_t i = 0; i < lines; ++i) {
         seed = seed * 1103515245u + 12345u;
-        std::size_t length = (seed >> 8) % 71;
-        if (i % 97 == 0)
-            length = 9000 + i;
+        const std::size_t length = i % 97 == 0 ? 9000 + i : (seed >> 8) % 71;
         for (std::size_t k = 0; k < length; ++k) {
             seed = seed * 1103515245u + 12345u;
-            char c = static_cast<char>(seed >> 16);
-            if (c == '\r' || c == '\n')
-                c = static_cast<char>(c + 0x80);
-            text += c;
+            const char c = static_cast<char>(seed >> 16);
+            text += c == '\r' || c == '\n' ? static_cast<char>(c + 0x80) : c;
         }
         text += endings[(seed >> 4) % 3];
     }
     return text;
 }
 
-// What ReadLine is to deliver: CR LF, LF and a lone CR each end a line.
-Lines model_lines(const std::string& text) {
-    Lines lines;
-    std::string line;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' || text[i] == '\n') {
-            if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
-                ++i;
-            lines.push_back(line);
-            line.clear();
-        } else {
-            line += text[i];
-        }
-    }
-    if (!line.empty())
-        lines.push_back(line);
-    return lines;
-}
-
-std::string model_crlf(const std::string& text) {
+// The model: CR LF, LF and a lone CR each end a line and become `eol`.
+std::string model(const std::string& text, const char* eol) {
     std::string out;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' || text[i] == '\n') {
-            if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
-                ++i;
-            out += "\r\n";
-        } else {
+        if (text[i] != '\r' && text[i] != '\n') {
             out += text[i];
+            continue;
         }
-    }
-    return out;
-}
-
-std::string model_lf(const std::string& text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
             ++i;
-        out += text[i] == '\r' ? '\n' : text[i];
+        out += eol;
     }
     return out;
+}
+
+Lines model_lines(const std::string& text) {
+    Lines lines{""};
+    for (char c : model(text, "\n")) {
+        if (c == '\n')
+            lines.emplace_back();
+        else
+            lines.back() += c;
+    }
+    if (lines.back().empty())
+        lines.pop_back();
+    return lines;
 }
 
 Lines read_all(const std::string& path) {
@@ -90,47 +71,48 @@ Lines read_all(const std::string& path) {
         EXPECT_TRUE(reader.ReadLine(line));
         lines.push_back(line);
     }
+    EXPECT_TRUE(reader.ReadLine(line)); // at the end: true with an empty line
+    EXPECT_EQ(line, "");
     return lines;
 }
 
 } // namespace
 
-TEST(FastFileLines, ReadLineAgreesWithTheModelOnMixedText) {
+TEST(FastFileLines, ReadLineAgreesWithTheModel) {
     ScratchDir dir;
     for (std::uint32_t seed : {1u, 2u, 3u}) {
         const std::string text = mixed_text(seed, 3000);
         dir.write("mixed.txt", text);
         EXPECT_EQ(read_all(dir / "mixed.txt"), model_lines(text)) << "seed " << seed;
     }
-    // A CR LF pair split at every window border of the file.
+    // A CR LF pair, or a lone CR, split at every window border of the file.
     std::string borders;
-    while (borders.size() < 5 * korv::KFF_BUFFER_SIZE) {
+    for (int i = 0; borders.size() < 6 * korv::KFF_BUFFER_SIZE; ++i) {
         borders.append(korv::KFF_BUFFER_SIZE - 1 - borders.size() % korv::KFF_BUFFER_SIZE, 'x');
-        borders += "\r\n";
+        borders += i % 2 ? "\rx" : "\r\n";
     }
-    dir.write("borders.txt", borders);
-    EXPECT_EQ(read_all(dir / "borders.txt"), model_lines(borders));
+    for (const std::string& text : {borders, std::string("one\r\ntwo\n\nlast"), std::string()}) {
+        dir.write("a.txt", text);
+        EXPECT_EQ(read_all(dir / "a.txt"), model_lines(text));
+    }
 }
 
 TEST(FastFileLines, ReadStringFindsItsTerminatorAtEveryOffset) {
     ScratchDir dir;
-    // Terminators after runs of 0 to 40 bytes, among bytes that differ from it
-    // by one bit or by the high bit.
+    // Terminators after runs of 0 to 40 bytes that differ from it by one bit or the high bit.
     std::string text;
-    std::vector<std::string> fields;
+    Lines fields;
     for (std::size_t length = 0; length <= 40; ++length) {
-        std::string field;
+        fields.emplace_back();
         for (std::size_t k = 0; k < length; ++k)
-            field += "\x3a\x3c\xbb\x7b\x01"[k % 5]; // near ';' (0x3b), never it
-        fields.push_back(field);
-        text += field + ";";
+            fields.back() += "\x3a\x3c\xbb\x7b\x01"[k % 5]; // near ';' (0x3b), never it
+        text += fields.back() + ";";
     }
     dir.write("fields.txt", text);
     KFastFileReader reader(dir / "fields.txt");
     std::vector<char> buffer(64);
     for (const std::string& field : fields) {
-        // The terminator at the very end of the bytes the call may take, and
-        // shortly before it.
+        // The terminator at the very end of the bytes the call may take, and shortly before it.
         const std::size_t max = field.size() + 1 + field.size() % 3;
         ASSERT_EQ(reader.ReadString(buffer.data(), max, ';'),
                   static_cast<std::int64_t>(field.size()));
@@ -146,28 +128,25 @@ TEST(FastFileLines, WholeFileConversionsAgreeWithTheModelInEveryMode) {
     std::string text = mixed_text(7, 6000);
     text += std::string(200000, 'r') + "\r";
     text.insert(70000, "\r\r\n\n\r");
-    const std::string expected = model_crlf(text);
+    const std::string expected = model(text, "\r\n");
     for (int mode : {korv::KFF_REPLACE, korv::KFF_REPLACE | korv::KFF_ATOMIC}) {
         EXPECT_EQ(korv::KFastFile_WriteLinesAtOnce(dir / "w.txt", text.data(), text.size(), mode),
                   static_cast<std::int64_t>(expected.size()));
         EXPECT_EQ(dir.read("w.txt"), expected) << "mode " << mode;
     }
-
-    // An ending that would end one byte short of a piece's end, in front of
-    // and behind it.
+    // An ending that would end one byte short of a piece's end, in front of and behind it.
     for (std::size_t before = 65533; before <= 65536; ++before) {
         for (const char* ending : {"\n", "\r\n", "\r"}) {
             const std::string edge = std::string(before, 'e') + ending + "tail\r";
             EXPECT_EQ(korv::KFastFile_WriteLinesAtOnce(dir / "e.txt", edge.data(), edge.size(),
                                                        korv::KFF_REPLACE),
                       static_cast<std::int64_t>(before + 8));
-            EXPECT_EQ(dir.read("e.txt"), model_crlf(edge));
+            EXPECT_EQ(dir.read("e.txt"), model(edge, "\r\n"));
         }
     }
-
     dir.write("r.txt", text);
     std::string lines;
     EXPECT_EQ(korv::KFastFile_ReadLinesAtOnce(dir / "r.txt", lines),
-              static_cast<std::int64_t>(model_lf(text).size()));
-    EXPECT_EQ(lines, model_lf(text));
+              static_cast<std::int64_t>(model(text, "\n").size()));
+    EXPECT_EQ(lines, model(text, "\n"));
 }

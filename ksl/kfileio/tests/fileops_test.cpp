@@ -9,45 +9,38 @@
 #include <vector>
 
 using namespace korv;
-using korv::testing::ScratchDir;
-using korv::testing::ScratchRoot;
 
 TEST(FileOps, KindSizeAndExistenceOfFilesFoldersAndHiddenFiles) {
-    ScratchRoot root;
+    korv::testing::ScratchRoot root;
     root.write("drive_c/Data/Machine.INI", "12345");
     root.write("drive_c/Data/.hidden", "x");
     std::filesystem::create_directory(root / "drive_c/Data/Sub");
-
-    EXPECT_TRUE(file_exists("c:\\data\\machine.ini"));
-    EXPECT_TRUE(file_exists("C:\\Data\\Sub"));
-    EXPECT_FALSE(file_exists("C:\\Data\\none"));
-
-    EXPECT_EQ(file_kind("C:\\DATA\\Machine.ini"), '-');
-    EXPECT_EQ(file_kind("C:\\Data\\sub"), 'd');
-    EXPECT_EQ(file_kind("C:\\Data\\.hidden"), ' ');
-    EXPECT_EQ(file_kind("C:\\Data\\none"), -1);
-    EXPECT_EQ(file_kind("C:\\data\\*.ini"), '-'); // the find answers wildcards too
-    EXPECT_EQ(file_kind("C:\\data\\S?b"), 'd');
-    EXPECT_EQ(file_kind("C:\\data\\*.none"), -1);
-
+    // path, kind, size, exists, regular; the find answers wildcards too
+    const struct {
+        const char* path;
+        int kind, size;
+        bool exists, regular;
+    } cases[] = {
+        {"c:\\data\\machine.ini", '-', 5, true, true}, {"C:\\Data\\sub", 'd', 0, true, false},
+        {"C:\\Data\\.hidden", ' ', 1, true, true},     {"C:\\Data\\none", -1, -1, false, false},
+        {"C:\\data\\*.ini", '-', -1, false, false},    {"C:\\data\\S?b", 'd', -1, false, false}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(file_kind(c.path), c.kind) << c.path;
+        EXPECT_EQ(file_size(c.path), c.size) << c.path;
+        EXPECT_EQ(file_exists(c.path), c.exists) << c.path;
+        EXPECT_EQ(file_is_regular(c.path), c.regular) << c.path;
+    }
     EXPECT_EQ(file_size("c:/data/machine.ini"), 5);
-    EXPECT_EQ(file_size("C:\\Data\\Sub"), 0);
-    EXPECT_EQ(file_size("C:\\Data\\none"), -1);
-
-    EXPECT_TRUE(file_is_regular("C:\\Data\\Machine.INI"));
-    EXPECT_FALSE(file_is_regular("C:\\Data\\Sub"));
-    EXPECT_FALSE(file_is_regular("C:\\Data\\none"));
 }
 
 TEST(FileOps, RemoveAndRenameReplacingTheTarget) {
-    ScratchDir dir;
+    korv::testing::ScratchDir dir;
     KErrTrace_ClearContext();
     dir.write("a.txt", "a");
     dir.write("b.txt", "b");
     EXPECT_TRUE(file_rename(dir / "a.txt", dir / "b.txt"));
     EXPECT_EQ(dir.read("b.txt"), "a");
     EXPECT_FALSE(file_exists(dir / "a.txt"));
-
     EXPECT_FALSE(file_rename(dir / "a.txt", dir / "c.txt"));
     EXPECT_EQ(diag::error_trace_lines(),
               std::vector<std::string>{"file_rename(): MoveFileEx(" + dir / "a.txt" + "," +
@@ -61,7 +54,7 @@ TEST(FileOps, RemoveAndRenameReplacingTheTarget) {
     EXPECT_TRUE(std::filesystem::is_directory(dir / "sub"));
 }
 
-TEST(FileOps, DirnameEndsInBackslashOrLeavesTheTargetAlone) {
+TEST(FileOps, DirnameAndAbsolutePaths) {
     char target[64];
     EXPECT_STREQ(file_dirname("C:\\Korv\\Cfg\\RigCfg.ini", target), "C:\\Korv\\Cfg\\");
     EXPECT_STREQ(file_dirname("rel/dir/x.ini", target), "rel/dir\\");
@@ -71,12 +64,9 @@ TEST(FileOps, DirnameEndsInBackslashOrLeavesTheTargetAlone) {
     EXPECT_EQ(file_dirname("name.ini", target), nullptr);
     EXPECT_EQ(file_dirname("", target), nullptr);
     EXPECT_STREQ(target, "untouched");
-    // The result fits in as many bytes as the path has.
-    char exact[sizeof "a\\b"];
+    char exact[sizeof "a\\b"]; // the result fits in as many bytes as the path has
     EXPECT_STREQ(file_dirname("a\\b", exact), "a\\");
-}
 
-TEST(FileOps, AbsolutePaths) {
     for (const char* path : {"\\x", "/", "C:", "z:\\a", "a:rel"})
         EXPECT_TRUE(file_is_absolute(path)) << path;
     for (const char* path : {"", "a", "ab", "1:\\x", "rel\\C:", ".\\x"})
