@@ -7,15 +7,11 @@
 using korv::platform::native_path;
 using korv::testing::ScratchRoot;
 
-TEST(NativePath, DriveLettersLandBelowTheRootInLowerCase) {
+TEST(NativePath, DriveLettersLandBelowTheRootAndSeparatorsCollapse) {
     ScratchRoot root;
     EXPECT_EQ(native_path("C:\\ProgramData\\Korv"), root.path() + "/drive_c/ProgramData/Korv");
     EXPECT_EQ(native_path("d:/x"), root.path() + "/drive_d/x");
     EXPECT_EQ(native_path("E:"), root.path() + "/drive_e");
-}
-
-TEST(NativePath, SeparatorsMixAndCollapse) {
-    ScratchRoot root;
     EXPECT_EQ(native_path("C:\\\\a//b\\/c\\"), root.path() + "/drive_c/a/b/c");
     EXPECT_EQ(native_path("/tmp\\x"), "/tmp/x");
     EXPECT_EQ(native_path("rel\\dir/file.ini"), "rel/dir/file.ini");
@@ -30,10 +26,7 @@ TEST(NativePath, MissingComponentTakesTheEntryThatMatchesIgnoringCase) {
     // Below a folder that exists under another case, a new name keeps its case.
     EXPECT_EQ(native_path("c:\\KORV\\NewDir\\New.ini"),
               root.path() + "/drive_c/Korv/NewDir/New.ini");
-}
-
-TEST(NativePath, ExactCaseWinsOverAnotherMatch) {
-    ScratchRoot root;
+    // The exact case wins over another match.
     root.write("drive_c/a/File.txt", "1");
     root.write("drive_c/a/file.txt", "2");
     EXPECT_EQ(native_path("C:\\a\\file.txt"), root.path() + "/drive_c/a/file.txt");

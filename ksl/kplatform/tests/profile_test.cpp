@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <unistd.h>
+#include <vector>
 
 using namespace korv::platform;
 using korv::testing::ScratchDir;
@@ -28,48 +29,23 @@ bool put(const char* section, const char* key, const char* value, const std::str
 
 } // namespace
 
-TEST(ProfileRead, NamesIgnoreCaseAndBlanks) {
+TEST(ProfileRead, NamesBlanksQuotesAndComments) {
     ScratchDir dir;
     dir.write("a.ini", "junk=before any section\r\n"
                        "[General]\r\n"
                        "  Key One  =  value  \r\n"
                        "\tTabbed\t=\tx\t\r\n"
                        "\v[ Spaced ]  \r\n"
-                       "k=v\r\n");
-    const std::string file = dir / "a.ini";
-    EXPECT_EQ(get("general", "KEY ONE", file), "value");
-    EXPECT_EQ(get("  General  ", "  key one ", file), "value");
-    EXPECT_EQ(get("General", "tabbed", file), "x");
-    // Only spaces are dropped from the names asked for.
-    EXPECT_EQ(get("General", "\tTabbed", file), "<default>");
-    EXPECT_EQ(get("spaced", "k", file), "v");
-    EXPECT_EQ(get("", "junk", file), "<default>");
-    EXPECT_EQ(get("General", "value", file), "<default>");
-}
-
-TEST(ProfileRead, MatchingQuotesAreDropped) {
-    ScratchDir dir;
-    dir.write("q.ini", "[Q]\r\n"
+                       "k=v\r\n"
+                       "[Q]\r\n"
                        "double=\"quoted value\"\r\n"
                        "single=  'single'  \r\n"
                        "inner=\" keeps blanks \"\r\n"
                        "mixed=\"mismatch'\r\n"
                        "nested=\"\"twice\"\"\r\n"
                        "one=\"\r\n"
-                       "middle=a \"b\" c\r\n");
-    const std::string file = dir / "q.ini";
-    EXPECT_EQ(get("Q", "double", file), "quoted value");
-    EXPECT_EQ(get("Q", "single", file), "single");
-    EXPECT_EQ(get("Q", "inner", file), " keeps blanks ");
-    EXPECT_EQ(get("Q", "mixed", file), "\"mismatch'");
-    EXPECT_EQ(get("Q", "nested", file), "\"twice\"");
-    EXPECT_EQ(get("Q", "one", file), "\"");
-    EXPECT_EQ(get("Q", "middle", file), "a \"b\" c");
-}
-
-TEST(ProfileRead, OnlyLeadingSemicolonsComment) {
-    ScratchDir dir;
-    dir.write("c.ini", "[S]\r\n"
+                       "middle=a \"b\" c\r\n"
+                       "[S]\r\n"
                        ";c=1\r\n"
                        "  ;d=2\r\n"
                        "e=x ;not a comment\r\n"
@@ -77,15 +53,27 @@ TEST(ProfileRead, OnlyLeadingSemicolonsComment) {
                        "#h=4\r\n"
                        "[T]behind=5\r\n"
                        "t=6\r\n");
-    const std::string file = dir / "c.ini";
-    EXPECT_EQ(get("S", ";c", file), "<default>");
-    EXPECT_EQ(get("S", "c", file), "<default>");
-    EXPECT_EQ(get("S", "d", file), "<default>");
-    EXPECT_EQ(get("S", "e", file), "x ;not a comment");
-    EXPECT_EQ(get("S", "f;g", file), "3");
-    EXPECT_EQ(get("S", "#h", file), "4");
-    EXPECT_EQ(get("T", "behind", file), "<default>");
-    EXPECT_EQ(get("T", "t", file), "6");
+    auto values = [&](const char* section, std::initializer_list<const char*> keys) {
+        std::vector<std::string> found;
+        for (const char* key : keys)
+            found.push_back(get(section, key, dir / "a.ini"));
+        return found;
+    };
+    using Values = std::vector<std::string>;
+    // Names ignore case and spaces, only spaces.
+    EXPECT_EQ(values("general", {"KEY ONE", "tabbed", "\tTabbed", "value"}),
+              (Values{"value", "x", "<default>", "<default>"}));
+    EXPECT_EQ(get("  General  ", "  key one ", dir / "a.ini"), "value");
+    EXPECT_EQ(get("spaced", "k", dir / "a.ini"), "v");
+    EXPECT_EQ(get("", "junk", dir / "a.ini"), "<default>");
+    // Matching quotes are dropped.
+    EXPECT_EQ(values("Q", {"double", "single", "inner", "mixed", "nested", "one", "middle"}),
+              (Values{"quoted value", "single", " keeps blanks ", "\"mismatch'", "\"twice\"", "\"",
+                      "a \"b\" c"}));
+    // Only a leading ';' comments.
+    EXPECT_EQ(values("S", {";c", "c", "d", "e", "f;g", "#h"}),
+              (Values{"<default>", "<default>", "<default>", "x ;not a comment", "3", "4"}));
+    EXPECT_EQ(values("T", {"behind", "t"}), (Values{"<default>", "6"}));
 }
 
 TEST(ProfileRead, FirstOfEqualSectionsAndKeysCounts) {
@@ -130,14 +118,12 @@ TEST(ProfileRead, BuffersAndDefaults) {
     EXPECT_EQ(list, std::string("A\0BB\0\0", 6));
     EXPECT_EQ(GetPrivateProfileStringA(nullptr, nullptr, "", list.data(), 1, file.c_str()), 0u);
     EXPECT_EQ(list[0], '\0');
-}
 
-TEST(ProfileRead, MissingFileGivesTheDefault) {
-    ScratchDir dir;
+    // A missing file, or a folder, gives the default.
     set_last_error(0);
     EXPECT_EQ(get("A", "k", dir / "none.ini", "dflt"), "dflt");
     EXPECT_EQ(last_error(), static_cast<std::uint32_t>(ENOENT));
-    EXPECT_EQ(get("A", "k", dir.path(), "dflt"), "dflt"); // a folder
+    EXPECT_EQ(get("A", "k", dir.path(), "dflt"), "dflt");
 }
 
 TEST(ProfileRead, WindowsPathsAndCaseOfFileNames) {
@@ -162,15 +148,8 @@ TEST(ProfileRead, BinaryBytesAndLongLines) {
     EXPECT_TRUE(put("A", "after", "2", file));
     EXPECT_EQ(get("A", "long", file, "", 100001), long_value);
     EXPECT_EQ(get("A", "after", file), "2");
-}
-
-TEST(ProfileRead, SeesChangesMadeByOthers) {
-    ScratchDir dir;
-    const std::string file = dir / "c.ini";
-    dir.write("c.ini", "[A]\r\nk=1\r\n");
-    EXPECT_EQ(get("A", "k", file), "1");
-    dir.write("c.ini", "[A]\r\nk=22\r\n");
-    EXPECT_EQ(get("A", "k", file), "22");
+    dir.write("bin.ini", "[A]\r\nafter=3\r\n"); // a change made by another writer
+    EXPECT_EQ(get("A", "after", file), "3");
 }
 
 TEST(ProfileWrite, CreatesTheFileButNotItsFolder) {
