@@ -21,11 +21,8 @@ inline const std::string kWork = "C:\\work\\";
 
 inline std::string crlf(const std::string& text) {
     std::string out;
-    for (const char c : text) {
-        if (c == '\n')
-            out += '\r';
-        out += c;
-    }
+    for (const char c : text)
+        out += c == '\n' ? std::string("\r\n") : std::string(1, c);
     return out;
 }
 
@@ -71,10 +68,10 @@ public:
         KErrTrace_EndContext();
     }
     static bool has(const std::string& part) {
-        const auto lines = korv::diag::error_trace_lines();
-        return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
-            return line.find(part) != std::string::npos;
-        });
+        for (const std::string& line : korv::diag::error_trace_lines())
+            if (line.find(part) != std::string::npos)
+                return true;
+        return false;
     }
 };
 
@@ -87,10 +84,10 @@ public:
 };
 
 inline int count_errors(const korv::testing::LogCapture& log, const std::string& part) {
-    const auto errors = log.errors();
-    return static_cast<int>(std::count_if(errors.begin(), errors.end(), [&](const std::string& e) {
-        return e.find(part) != std::string::npos;
-    }));
+    int count = 0;
+    for (const std::string& e : log.errors())
+        count += e.find(part) != std::string::npos;
+    return count;
 }
 
 } // namespace catalogue_test

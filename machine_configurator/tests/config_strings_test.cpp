@@ -96,18 +96,17 @@ TEST(ConfigStrings, HistoryTextsAreCutNotOverrun) {
     EXPECT_EQ(entry.table[0], '\0');
 }
 
+std::string joined(const ActiveConfigRecord& r) {
+    return r.order_no + "|" + r.machine + "|" + r.product_group + "|" + r.folder + "|" + r.proxy;
+}
+
 TEST(ConfigStrings, ConvertDrvunitNeedsExactlyThreeTokens) {
     CMidSpanCfgDlg dlg(ProductTypeKorECon, "C:\\d\\", "C:\\d\\", nullptr);
     ActiveConfigRecord record{"no", "machine", "GROUP", "folder", "proxy"};
     ASSERT_TRUE(dlg.ConvertDrvunitStringToNewFormat("A::Order-No::7", "", "", "", record));
-    EXPECT_EQ(record.machine, "A");
-    EXPECT_EQ(record.order_no, "7");
-    EXPECT_EQ(record.product_group, "GROUP"); // empty texts keep the field
-    EXPECT_EQ(record.folder, "folder");
-    EXPECT_EQ(record.proxy, ""); // the proxy is always taken
+    // Empty texts keep group and folder; the proxy is always taken.
+    EXPECT_EQ(joined(record), "7|A|GROUP|folder|");
     ASSERT_TRUE(dlg.ConvertDrvunitStringToNewFormat("B:x:8", "FORM", "F", "cncproxy", record));
-    EXPECT_EQ(record.product_group, "FORM");
-    EXPECT_EQ(record.folder, "F");
 
     // Failures leave the record and name the member, not the argument, with no closing quote.
     dlg.m_actDriveUnit = "member text";
@@ -117,7 +116,5 @@ TEST(ConfigStrings, ConvertDrvunitNeedsExactlyThreeTokens) {
         EXPECT_EQ(log.errors(), std::vector<std::string>{"CfgIniFileMachinIni(): invalid data for "
                                                          "m_actDriveUnit ='member text"});
     }
-    EXPECT_EQ(record.machine, "B");
-    EXPECT_EQ(record.product_group, "FORM");
-    EXPECT_EQ(record.proxy, "cncproxy");
+    EXPECT_EQ(joined(record), "8|B|FORM|F|cncproxy");
 }

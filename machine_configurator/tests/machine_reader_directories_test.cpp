@@ -1,5 +1,4 @@
 #include "catalogue_test_files.h"
-#include "directory_reader.h"
 #include "machine_reader.h"
 
 #include "kdirtools.h"
@@ -43,47 +42,6 @@ const MachineProperties& record(const MachineTreeMap& map, const std::string& ke
 
 } // namespace
 
-// The reader walks from folder to folder; relative folders are taken from
-// where it started, and it always goes back there.
-TEST(DirectoryReader, ListsFolderAfterFolderWithKindsAndReturnsToWhereItStarted) {
-    Install install;
-    install.write_c(kRoot + "\\A\\file.txt", "x");
-    install.write_c(kRoot + "\\A\\.hidden", "x");
-    install.folder_c(kRoot + "\\A\\1");
-    install.folder_c(kRoot + "\\B\\2");
-    const std::string before = cwd();
-    ASSERT_EQ(::chdir(install.path().c_str()), 0);
-    const auto list = [](DirectoryReader& reader) {
-        std::map<std::string, char> seen;
-        std::string name;
-        char type = 0;
-        EXPECT_TRUE(reader.First());
-        while (reader.Next(name, type))
-            seen[name] = type;
-        return seen;
-    };
-    using Seen = std::map<std::string, char>;
-    {
-        DirectoryReader reader;
-        std::string name;
-        char type = 0;
-        EXPECT_FALSE(reader.Next(name, type)); // nothing opened yet
-        ASSERT_TRUE(reader.Open(kRoot + "\\A"));
-        EXPECT_EQ(list(reader),
-                  (Seen{{"..", 'd'}, {".hidden", ' '}, {"1", 'd'}, {"file.txt", '-'}}));
-        ASSERT_TRUE(reader.Open(kRoot + "\\B"));
-        EXPECT_EQ(list(reader), (Seen{{"..", 'd'}, {"2", 'd'}}));
-        ASSERT_TRUE(reader.Open("drive_c/work/form_support/machines/A"));
-        ASSERT_TRUE(reader.Open("drive_c\\work\\form_support\\machines\\B"));
-        EXPECT_EQ(list(reader), (Seen{{"..", 'd'}, {"2", 'd'}}));
-        EXPECT_FALSE(reader.Open(kRoot + "\\missing"));
-        EXPECT_EQ(cwd(), install.path()); // a failed Open has gone back already
-        ASSERT_TRUE(reader.Open(kRoot));
-    }
-    EXPECT_EQ(cwd(), install.path());
-    ASSERT_EQ(::chdir(before.c_str()), 0);
-}
-
 TEST(MachineDirectories, MachinesAndOrderNumbersSortBytewiseAndCarryTheirProperties) {
     Install install;
     install.machine(kRoot, "A", "1",
@@ -125,10 +83,6 @@ TEST(MachineDirectories, MissingRootIsNoFailureAndEmptyMachineFolderKeepsItsKey)
     EXPECT_TRUE(GetAllMachinesFromDirectories(kRoot.c_str(), map));
     ASSERT_EQ(map.size(), 1u);
     EXPECT_TRUE(map.find("Empty")->second.empty());
-
-    TraceContext trace;
-    EXPECT_FALSE(GetAllMachinesFromDirectories(nullptr, map));
-    EXPECT_TRUE(trace.has("GetAllMachineDirectories(): Null pointer for base folder"));
 }
 
 TEST(MachineDirectories, BadMachineFilesAreReportedAndSkippedOneByOne) {
@@ -149,8 +103,7 @@ TEST(MachineDirectories, BadMachineFilesAreReportedAndSkippedOneByOne) {
     MachineTreeMap map;
     ASSERT_TRUE(GetAllMachinesFromDirectories(kRoot.c_str(), map));
 
-    EXPECT_EQ(record(map, "Blanks").order_no, "1234");
-    EXPECT_EQ(record(map, "Blanks").group, "FORM");
+    EXPECT_EQ(record(map, "Blanks").order_no + record(map, "Blanks").group, "1234FORM");
 
     const MachineProperties& differs = record(map, "Differs");
     EXPECT_EQ(differs.ini_path, kRoot + "\\Differs\\555\\machine.ini");
@@ -183,9 +136,7 @@ TEST(MachineDirectories, BadMachineFilesAreReportedAndSkippedOneByOne) {
               1);
 
     EXPECT_EQ(record(map, "Zlast").group, "KORGEAR");
-    // Missing optional keys are no error.
-    EXPECT_EQ(count_errors(log, "XY_Table"), 0);
-    EXPECT_EQ(count_errors(log, "DLL"), 0);
+    EXPECT_EQ(count_errors(log, "XY_Table") + count_errors(log, "DLL"), 0); // optional keys
 }
 
 TEST(MachineDirectories, MachineFolderThatCannotBeEnteredStopsTheReadAndRestoresTheDirectory) {
