@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(ConfigureTest, ExecuteStartsProgramsAndGivesTheirExitCode) {
+TEST(ConfigureTest, ExecuteAndTheInstallLanguage) {
     korv::testing::ScratchRoot root;
     Expand_ClearTable();
     Expand("");
@@ -25,10 +25,8 @@ TEST(ConfigureTest, ExecuteStartsProgramsAndGivesTheirExitCode) {
                   "Execute(): CreateProcess() failed with error [2] The system cannot find the "
                   "file specified."}));
     Expand_ClearTable();
-}
 
-TEST(ConfigureTest, InstallLanguageFromTheRegistry) {
-    korv::testing::ScratchRoot root;
+    // The install language comes from the registry.
     EXPECT_EQ(GetInstallLanguage(), "EN");
     root.write("registry.reg", "Windows Registry Editor Version 5.00\r\n\r\n"
                                "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\Hub32\\Settings]\r\n"

@@ -30,9 +30,9 @@ const char* const kBoth = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\
 
 } // namespace
 
-TEST_F(ExpandTest, FoldersOfThePlatform) {
+TEST_F(ExpandTest, FoldersOfThePlatformAndDefaults) {
+    LogCapture log;
     use_registry("");
-    EXPECT_EQ(Expand("<korecon>\\x"), "C:\\Program Files\\korv\\korecon\\x");
     EXPECT_EQ(Expand("<KORECON>\\x"), "C:\\Program Files\\korv\\korecon\\x");
     EXPECT_EQ(Expand("<KorCtrlTools>\\bin\\system_configurator.exe"),
               "C:\\Program Files\\korv\\korctrltools\\bin\\system_configurator.exe");
@@ -45,11 +45,11 @@ TEST_F(ExpandTest, FoldersOfThePlatform) {
     EXPECT_EQ(Expand("<hub32>"), "C:\\Program Files (x86)\\Common Files\\korv\\hub32");
     EXPECT_EQ(Expand("$(PROGRAM_FILES)|$(program_files_x86)"),
               "C:\\Program Files|C:\\Program Files (x86)");
-}
+    // Unknown and unfinished macros stay.
+    for (const char* same : {"", "<unknown>\\x", "c:\\plain\\path.ini", "<korecon"})
+        EXPECT_EQ(Expand(same), same);
 
-TEST_F(ExpandTest, DefaultsWithoutRegistryValuesAreLogged) {
-    LogCapture log;
-    use_registry("");
+    // Defaults stand in for the registry values, each miss logged.
     EXPECT_EQ(Expand("<korwin>"), "C:\\Program Files\\korv\\korwin");
     EXPECT_EQ(Expand("<product_infos>"), "C:\\Program Files\\korv\\korwin\\product_infos");
     // <korwin> ends with its bracket, so it leaves <korwin_userdata> alone.
@@ -74,15 +74,7 @@ TEST_F(ExpandTest, RegistryValuesAndTheirOrder) {
     EXPECT_EQ(Expand("<korwin>"), "d:\\a");
 }
 
-TEST_F(ExpandTest, ALaterMacroInAValueIsExpandedAnEarlierOneIsNot) {
-    use_registry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\n"
-                 "\"TargetDir\"=\"<korwin_userdata>\\\\kw\"\r\n"
-                 "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\Hub32\\volatile]\r\n"
-                 "\"UserData\"=\"<korecon>\"\r\n");
-    EXPECT_EQ(Expand("<korwin>"), "<korecon>\\kw");
-}
-
-TEST_F(ExpandTest, OtherTypesAndEmptyValuesCountAsMissing) {
+TEST_F(ExpandTest, ValuesOfOtherTypesOrEmptyCountAsMissingAndMacrosInValues) {
     LogCapture log;
     use_registry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\n"
                  "\"TargetDir\"=dword:00000001\r\n"
@@ -90,14 +82,13 @@ TEST_F(ExpandTest, OtherTypesAndEmptyValuesCountAsMissing) {
                  "\"UserData\"=\"\"\r\n");
     EXPECT_EQ(Expand("<korwin>|<korwin_userdata>"), "C:\\Program Files\\korv\\korwin|c:\\korv");
     EXPECT_EQ(log.errors().size(), 2u);
-}
 
-TEST_F(ExpandTest, UnknownAndEmptyTextsStay) {
-    use_registry("");
-    EXPECT_EQ(Expand(""), "");
-    EXPECT_EQ(Expand("<unknown>\\x"), "<unknown>\\x");
-    EXPECT_EQ(Expand("c:\\plain\\path.ini"), "c:\\plain\\path.ini");
-    EXPECT_EQ(Expand("<korecon"), "<korecon");
+    // A later macro in a value is expanded, an earlier one is not.
+    use_registry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\n"
+                 "\"TargetDir\"=\"<korwin_userdata>\\\\kw\"\r\n"
+                 "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\Hub32\\volatile]\r\n"
+                 "\"UserData\"=\"<korecon>\"\r\n");
+    EXPECT_EQ(Expand("<korwin>"), "<korecon>\\kw");
 }
 
 TEST_F(ExpandTest, ASecondOccurrenceLandsAtItsOldPosition) {

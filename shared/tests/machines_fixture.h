@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
@@ -17,10 +18,9 @@ using Strings = std::vector<std::string>;
 // True if a record of that channel and level has exactly that text.
 inline bool logged(const korv::testing::LogCapture& log, korv::diag::Channel channel, int level,
                    const std::string& text) {
-    for (const korv::diag::LogRecord& r : log.records())
-        if (r.channel == channel && r.level == level && r.text == text)
-            return true;
-    return false;
+    return std::any_of(log.records().begin(), log.records().end(), [&](const auto& r) {
+        return r.channel == channel && r.level == level && r.text == text;
+    });
 }
 
 class MachinesTest : public ::testing::Test {
