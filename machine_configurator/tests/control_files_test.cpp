@@ -61,12 +61,6 @@ TEST_F(ControlFiles, SimulationReportsItsIdentity) {
     EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=Virtual\r\n");
     EXPECT_TRUE(boxes.empty());
 
-    configure("KORSIM", "XY KMQ", "1234", "");
-    dlg->UpdateConfigFilesKorEcon();
-    EXPECT_EQ(korecon("configuration", "machine_name"), "XY KMQ");
-    EXPECT_EQ(korecon("configuration", "machine_serial"), "0000_1234");
-    EXPECT_EQ(value_of(host("launcher.ini"), "korsim", "3"), "visualisation");
-
     // Leaving the simulation drops the identity and names the folder again.
     configure("FORM", "KMQ 1", "9", "", std::string(kApp) + "m\\");
     dlg->UpdateConfigFilesKorEcon();
