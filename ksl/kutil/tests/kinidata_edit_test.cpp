@@ -43,30 +43,25 @@ TEST_F(KIniDataEdit, ValuesAreReadAsTheyStand) {
                           "d= 2.5e3x\n"
                           "two words =x\n"
                           "Key=upper\n");
-    std::string text;
-    EXPECT_TRUE(ini.GetStringEntry("s", "a", text));
-    EXPECT_EQ(text, "b=c");
-    EXPECT_TRUE(ini.GetStringEntry("s", "key", text));
-    EXPECT_EQ(text, " 5 ; five");
-    EXPECT_TRUE(ini.GetStringEntry("s", "key \t ", text)); // lookups drop trailing blanks
-    EXPECT_FALSE(ini.HasEntry("s", "key "));               // tests don't
-    EXPECT_TRUE(ini.GetStringEntry("s", "two words", text));
-    EXPECT_TRUE(ini.GetStringEntry("s", "Key", text));
-    EXPECT_EQ(text, "upper");
-    EXPECT_TRUE(ini.GetStringEntry("s", "empty", text));
-    EXPECT_EQ(text, "");
-
+    // name asked for, its text; lookups drop trailing blanks
+    const std::pair<const char*, const char*> strings[] = {
+        {"a", "b=c"},       {"key", " 5 ; five"}, {"key \t ", " 5 ; five"},
+        {"two words", "x"}, {"Key", "upper"},     {"empty", ""}};
+    for (const auto& [name, expected] : strings) {
+        std::string text;
+        EXPECT_TRUE(ini.GetStringEntry("s", name, text)) << name;
+        EXPECT_EQ(text, expected) << name;
+    }
+    EXPECT_FALSE(ini.HasEntry("s", "key ")); // tests don't trim
+    const std::pair<const char*, std::int32_t> longs[] = {
+        {"key", 5}, {"port", 12}, {"big", INT32_MAX}, {"small", INT32_MIN}};
     std::int32_t value = 42;
     EXPECT_FALSE(ini.GetLongEntry("s", "empty", value));
     EXPECT_EQ(value, 0);
-    EXPECT_TRUE(ini.GetLongEntry("s", "key", value));
-    EXPECT_EQ(value, 5);
-    EXPECT_TRUE(ini.GetLongEntry("s", "port", value));
-    EXPECT_EQ(value, 12);
-    EXPECT_TRUE(ini.GetLongEntry("s", "big", value));
-    EXPECT_EQ(value, INT32_MAX);
-    EXPECT_TRUE(ini.GetLongEntry("s", "small", value));
-    EXPECT_EQ(value, INT32_MIN);
+    for (const auto& [name, expected] : longs) {
+        EXPECT_TRUE(ini.GetLongEntry("s", name, value)) << name;
+        EXPECT_EQ(value, expected) << name;
+    }
     std::int64_t wide = 0;
     EXPECT_TRUE(ini.GetLongLongEntry("s", "big", wide));
     EXPECT_EQ(wide, 99999999999LL);
@@ -215,9 +210,7 @@ TEST_F(KIniDataEdit, SetContentStringKeepsEmptyLinesAndStopsAtTheFirstBadLine) {
     ini.in_sync = true;
     const char text[] = "; c\r\n\r\n[s]\rk=v\n\n\0ignored";
     ASSERT_TRUE(ini.SetContentString(std::string_view(text, sizeof text - 1)));
-    EXPECT_FALSE(ini.in_sync);
-    EXPECT_TRUE(ini.is_open);
-    EXPECT_FALSE(ini.file_missing);
+    EXPECT_TRUE(!ini.in_sync && ini.is_open && !ini.file_missing);
     EXPECT_EQ(ini.GetContentString(), "; c\n\n[s]\nk=v\n\n");
     EXPECT_FALSE(ini.SetContentString("[s]\nk=1\nbad\n[t]\n"));
     EXPECT_EQ(ini.GetContentString(), "[s]\nk=1\n");
@@ -231,11 +224,8 @@ TEST_F(KIniDataEdit, CopiesAreIndependentAndCompareByText) {
     source.error_text = "earlier";
     KIniData copy(source);
     EXPECT_EQ(copy.GetContentString(), source.GetContentString());
-    EXPECT_EQ(copy.file_name, "C:\\x.ini");
-    EXPECT_EQ(copy.flags, korv::KINI_RELAXED_LINES);
-    EXPECT_EQ(copy.error_text, "earlier");
-    EXPECT_TRUE(copy.in_sync);
-    EXPECT_FALSE(copy.file_missing);
+    EXPECT_TRUE(copy.file_name == "C:\\x.ini" && copy.flags == korv::KINI_RELAXED_LINES &&
+                copy.error_text == "earlier" && copy.in_sync && !copy.file_missing);
     EXPECT_TRUE(copy == source);
     ASSERT_TRUE(copy.SetStringEntry("s", "k", "2"));
     EXPECT_TRUE(copy != source);
@@ -248,7 +238,6 @@ TEST_F(KIniDataEdit, CopiesAreIndependentAndCompareByText) {
     EXPECT_TRUE(assigned == copy);
     EXPECT_FALSE(assigned.in_sync);
     assigned = *&assigned;
-    EXPECT_EQ(assigned.GetContentString(), "; c\n[s]\nk =2\n");
     std::ostringstream out;
     out << assigned;
     EXPECT_EQ(out.str(), "; c\n[s]\nk =2\n");
