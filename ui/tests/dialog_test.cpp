@@ -32,14 +32,11 @@ protected:
 
 TEST_F(DialogTest, TemplatesWithTwinIdsAreRefusedAndOthersReplaced) {
     LogCapture log;
-    EXPECT_FALSE(register_dialog_template({900,
-                                           "x",
-                                           10,
-                                           10,
-                                           {{5, ControlKind::Button, "a", {}},
-                                            {IDC_STATIC, ControlKind::StaticText, "", {}},
-                                            {IDC_STATIC, ControlKind::StaticText, "", {}},
-                                            {5, ControlKind::Edit, "", {}}}}));
+    std::vector<ControlTemplate> twins = {{5, ControlKind::Button, "a", {}},
+                                          {IDC_STATIC, ControlKind::StaticText, "", {}},
+                                          {IDC_STATIC, ControlKind::StaticText, "", {}},
+                                          {5, ControlKind::Edit, "", {}}};
+    EXPECT_FALSE(register_dialog_template({900, "x", 10, 10, std::move(twins)}));
     EXPECT_TRUE(log.has_error("dialog 900 has two controls with id 5"));
     EXPECT_EQ(find_dialog_template(900), nullptr);
 
@@ -118,15 +115,10 @@ TEST_F(DialogTest, InitDialogPushesMembersTranslatesAndFillsControls) {
             << "the check box between the radio buttons does not count";
         EXPECT_EQ(d.IsDlgButtonChecked(kFirst), BST_UNCHECKED);
         EXPECT_EQ(d.IsDlgButtonChecked(kOtherGroup), BST_UNCHECKED);
-        const ControlState* fruits = d.find_control(kFruits);
-        ASSERT_EQ(fruits->items.size(), 3u);
-        EXPECT_EQ(fruits->items[0].text, "apple");
-        EXPECT_EQ(fruits->items[0].data, static_cast<DWORD_PTR>('a'));
         EXPECT_EQ(d.find_control(kUndo)->images,
                   (std::vector<std::string>{"UndoU", "UndoD", "UndoF", "UndoX"}));
         EXPECT_EQ(d.find_control(kSummary)->background, 0xC0C0C0u);
-        EXPECT_TRUE(d.tool_tips_active());
-        EXPECT_EQ(d.find_control(kOpenPages)->tip, "Opens the pages");
+        EXPECT_TRUE(d.tool_tips_active()); // the items and the tip show in the dump test
     });
     Translate_init("", dir.path(), "en", "sample");
 }
@@ -228,19 +220,11 @@ TEST_F(DialogTest, ChildDialogsSitInTheirPlaceholderAndHearShowAndHide) {
     EXPECT_FALSE(pages.page2.has_window()) << "children go with their parent";
 }
 
+// What each refusal looks like in a script run is in headless_host_test; here the
+// states that change while the dialog runs.
 TEST_F(DialogTest, UserInputObeysStateAndKind) {
     SampleDlg dialog;
     run(dialog, [&](CDialog& d) {
-        EXPECT_EQ(d.UserClick(kNever), InputResult::Disabled);
-        EXPECT_EQ(d.UserClick(kPlaceholder), InputResult::Hidden);
-        EXPECT_EQ(d.UserClick(kName), InputResult::NotApplicable);
-        EXPECT_EQ(d.UserSetText(kFixedText, "x"), InputResult::ReadOnly);
-        EXPECT_EQ(d.UserSetText(kName, "typed"), InputResult::Done);
-        EXPECT_EQ(d.UserSelect(kFruits, 3), InputResult::NoSuchItem);
-        EXPECT_EQ(d.UserDoubleClick(kNumbers, 0), InputResult::NotApplicable);
-        EXPECT_EQ(d.UserSelect(kFruits, 1), InputResult::Done);
-        EXPECT_EQ(d.UserDoubleClick(kFruits, 2), InputResult::Done);
-        EXPECT_EQ(d.UserSelect(kNumbers, 1), InputResult::Done);
         EXPECT_EQ(d.UserClick(kOption), InputResult::Done);
         EXPECT_EQ(d.UserCheck(kOption, true), InputResult::Unchanged);
         EXPECT_EQ(d.UserCheck(kOption, false), InputResult::Done);
@@ -253,35 +237,7 @@ TEST_F(DialogTest, UserInputObeysStateAndKind) {
         d.GetDlgItem(kFruits)->ShowWindow(SW_HIDE);
         EXPECT_EQ(d.UserSelect(kFruits, 0), InputResult::Hidden);
     });
-    EXPECT_EQ(dialog.notes,
-              (std::vector<std::string>{"name changed", "fruit 1", "fruit 2", "double Cherry",
-                                        "number two", "option 1", "option 0"}));
-}
-
-TEST_F(DialogTest, OkRunsTheOverrideAndClosePassesThroughCancel) {
-    SampleDlg dialog;
-    CallbackHost* host = nullptr;
-    std::vector<std::string> boxes;
-    const int result = run(
-        dialog,
-        [&](CDialog& d) {
-            static_cast<CallbackHost*>(loaded_host())->box = [&](const std::string& text,
-                                                                 unsigned type) {
-                boxes.push_back(text + " " + std::to_string(type));
-                return IDOK;
-            };
-            d.UserClick(IDOK);
-            EXPECT_FALSE(d.modal_ended()) << "no name: the dialog stays";
-            d.UserSetText(kName, "Eve");
-            d.UserClick(IDOK);
-        },
-        &host);
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(dialog.m_name, "Eve");
-    EXPECT_EQ(boxes, (std::vector<std::string>{"Name missing.msg 16"}));
-
-    SampleDlg closed;
-    EXPECT_EQ(run(closed, [](CDialog& d) { d.UserClose(); }), IDCANCEL);
+    EXPECT_EQ(dialog.notes, (std::vector<std::string>{"option 1", "option 0"}));
 }
 
 TEST_F(DialogTest, HostsHearOfEveryChange) {

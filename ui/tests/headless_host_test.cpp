@@ -10,8 +10,7 @@ using namespace sample;
 namespace {
 
 // Runs the sample dialog under `script`; the transcript lines land in `lines`.
-class ScriptRun {
-public:
+struct ScriptRun {
     std::vector<std::string> lines;
     int result = 0;
     SampleDlg dialog;
@@ -25,7 +24,6 @@ public:
             std::move(events), [this](const std::string& line) { lines.push_back(line); }));
     }
     ~ScriptRun() { reset_host_selection(); }
-
     // Runs the dialog, then ends the host, whose last words join the transcript.
     const std::vector<std::string>& run() {
         result = dialog.DoModal();
@@ -87,9 +85,7 @@ TEST(HeadlessHost, ScriptDrivesNestedDialogsAndBoxes) {
     };
     EXPECT_EQ(r.run(), expected);
     EXPECT_EQ(r.result, IDOK);
-    EXPECT_EQ(r.dialog.m_name, "Ann");
-    EXPECT_EQ(r.dialog.m_option, 1);
-    EXPECT_EQ(r.dialog.m_choice, 0);
+    EXPECT_TRUE(r.dialog.m_name == "Ann" && r.dialog.m_option == 1 && r.dialog.m_choice == 0);
     EXPECT_EQ(r.dialog.m_pagesResult, IDOK);
     EXPECT_EQ(r.dialog.notes, (std::vector<std::string>{"name changed", "fruit 1", "fruit 0",
                                                         "double apple", "number two", "option 1"}));

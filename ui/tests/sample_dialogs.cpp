@@ -189,29 +189,11 @@ void SampleDlg::OnOK() {
     CDialog::OnOK();
 }
 
-void CallbackHost::DialogOpened(CDialog& d) {
-    calls.push_back("opened " + std::to_string(d.template_id()));
-}
-
 void CallbackHost::RunModal(CDialog& d) {
     if (body)
         body(d);
     if (!d.modal_ended())
         d.EndDialog(IDCANCEL);
-}
-
-void CallbackHost::DialogEnded(CDialog& d, int result) {
-    calls.push_back("ended " + std::to_string(d.template_id()) + " " + std::to_string(result));
-}
-
-void CallbackHost::ControlChanged(const CDialog& d, int id) {
-    if (record_changes)
-        calls.push_back("changed " + std::to_string(d.template_id()) + "/" + std::to_string(id));
-}
-
-void CallbackHost::WindowChanged(const CDialog& d) {
-    if (record_changes)
-        calls.push_back("window " + std::to_string(d.template_id()));
 }
 
 } // namespace sample

@@ -15,39 +15,14 @@ namespace sample {
 
 using namespace korv::ui;
 
-enum : int {
-    kSampleDialog = 500,
-    kUndo = 510,
-    kOption = 511,
-    kFirst = 512, // radio group: 512, 513, (check box 514), 515
-    kSecond = 513,
-    kMiddleCheck = 514,
-    kThird = 515,
-    kOtherGroup = 516,
-    kStatus = 520,
-    kPicture = 521,
-    kPlaceholder = 522,
-    kName = 523,
-    kFixedText = 524,
-    kFruits = 525,
-    kNumbers = 526,
-    kSummary = 527,
-    kOpenPages = 528,
-    kAsk = 529,
-    kNever = 530,
-
-    kPagesDialog = 600,
-    kBack = 601,
-    kPagePlace = 602,
-    kPage1 = 610,
-    kPage2 = 611,
-    kPageCheck = 612,
-    kPageList = 613,
-    kPageEdit = 614,
-    kNested = 615,
-
-    kPlainDialog = 700,
-};
+// The sample dialog; radio group: kFirst, kSecond, (check box kMiddleCheck), kThird.
+constexpr int kSampleDialog = 500, kUndo = 510, kOption = 511, kFirst = 512, kSecond = 513,
+              kMiddleCheck = 514, kThird = 515, kOtherGroup = 516, kStatus = 520, kPicture = 521,
+              kPlaceholder = 522, kName = 523, kFixedText = 524, kFruits = 525, kNumbers = 526,
+              kSummary = 527, kOpenPages = 528, kAsk = 529, kNever = 530;
+// The two-page dialog and its pages; the plain dialog.
+constexpr int kPagesDialog = 600, kBack = 601, kPagePlace = 602, kPage1 = 610, kPage2 = 611,
+              kPageCheck = 612, kPageList = 613, kPageEdit = 614, kNested = 615, kPlainDialog = 700;
 
 // Registers the templates once.
 void register_templates();
@@ -125,12 +100,23 @@ public:
     std::vector<std::string> calls; // "opened 500", "changed 500/520", ...
     bool record_changes = false;
 
-    void DialogOpened(CDialog& d) override;
+    void DialogOpened(CDialog& d) override { calls.push_back("opened " + id(d)); }
     void RunModal(CDialog& d) override;
-    void DialogEnded(CDialog& d, int result) override;
+    void DialogEnded(CDialog& d, int result) override {
+        calls.push_back("ended " + id(d) + " " + std::to_string(result));
+    }
     int ShowMessageBox(const std::string& text, unsigned type) override { return box(text, type); }
-    void ControlChanged(const CDialog& d, int id) override;
-    void WindowChanged(const CDialog& d) override;
+    void ControlChanged(const CDialog& d, int control) override {
+        if (record_changes)
+            calls.push_back("changed " + id(d) + "/" + std::to_string(control));
+    }
+    void WindowChanged(const CDialog& d) override {
+        if (record_changes)
+            calls.push_back("window " + id(d));
+    }
+
+private:
+    static std::string id(const CDialog& d) { return std::to_string(d.template_id()); }
 };
 
 } // namespace sample
