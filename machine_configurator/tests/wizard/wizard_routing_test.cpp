@@ -106,26 +106,16 @@ TEST(WizardRouting, UnknownGroupsAreLoggedAndFallBack) {
 
 TEST(WizardRouting, ArrivalActions) {
     using A = WizArrivalAction;
+    // clang-format off
     const std::vector<std::pair<int, A>> cases = {
-        {31, A::SetFinishText},
-        {1, A::UpdateNextButton},
-        {4, A::EnableNext},
-        {5, A::ResetMachineLimit},
-        {8, A::ResetMachineLimit},
-        {7, A::FillOrderNumbers},
-        {10, A::FillOrderNumbers},
-        {13, A::FillOrderNumbers},
-        {16, A::FillOrderNumbers},
-        {19, A::FillOrderNumbers},
-        {21, A::FillOrderNumbers},
-        {23, A::FillOrderNumbers},
-        {26, A::FillOrderNumbers},
-        {29, A::FillOrderNumbers},
-        {11, A::None},
-        {12, A::None},
-        {2, A::None},
-        {30, A::None},
+        {31, A::SetFinishText}, {1, A::UpdateNextButton}, {4, A::EnableNext},
+        {5, A::ResetMachineLimit}, {8, A::ResetMachineLimit}, {7, A::FillOrderNumbers},
+        {10, A::FillOrderNumbers}, {13, A::FillOrderNumbers}, {16, A::FillOrderNumbers},
+        {19, A::FillOrderNumbers}, {21, A::FillOrderNumbers}, {23, A::FillOrderNumbers},
+        {26, A::FillOrderNumbers}, {29, A::FillOrderNumbers}, {11, A::None}, {12, A::None},
+        {2, A::None}, {30, A::None},
     };
+    // clang-format on
     for (const auto& [page, action] : cases)
         EXPECT_EQ(ArrivalActionFor(page, kWizSummaryPage), action) << page;
     // The finish text goes with the last page of the list, whatever its index.
