@@ -1,8 +1,8 @@
-#include "errtrace.h"
 #include "fastfile.h"
 #include "fileops.h"
 #include "log_capture.h"
 #include "scratch_dir.h"
+#include "trace_context.h"
 
 #include <gtest/gtest.h>
 
@@ -19,17 +19,13 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-Lines take_trace() {
-    Lines lines = korv::diag::error_trace_lines();
-    KErrTrace_ClearContext();
-    return lines;
-}
+class FastFileWriter : public korv::testing::TraceContextTest {};
+class FastFileReader : public korv::testing::TraceContextTest {};
 
 } // namespace
 
-TEST(FastFileWriter, LinesGetCrLfAndCountTheEndingAsOneByte) {
+TEST_F(FastFileWriter, LinesGetCrLfAndCountTheEndingAsOneByte) {
     ScratchDir dir;
-    KErrTrace_ClearContext();
     {
         KFastFileWriter writer(dir / "out.txt", korv::KFF_REPLACE);
         EXPECT_EQ(writer.WriteLine("abc"), 4);
@@ -46,7 +42,7 @@ TEST(FastFileWriter, LinesGetCrLfAndCountTheEndingAsOneByte) {
 }
 
 // What reaches the disk before Close shows the window's rules.
-TEST(FastFileWriter, ShortWritesStayBufferedAndLongOnesGoStraightToDisk) {
+TEST_F(FastFileWriter, ShortWritesStayBufferedAndLongOnesGoStraightToDisk) {
     ScratchDir dir;
     const std::string path = dir / "out.bin";
     KFastFileWriter writer(path, korv::KFF_REPLACE);
@@ -70,19 +66,15 @@ TEST(FastFileWriter, ShortWritesStayBufferedAndLongOnesGoStraightToDisk) {
                                        std::string(16253, 'e') + std::string(9000, 'f'));
 }
 
-TEST(FastFileWriter, ModesCreateAppendReplaceAndRefuse) {
+TEST_F(FastFileWriter, ModesCreateAppendReplaceAndRefuse) {
     ScratchDir dir;
     const std::string path = dir / "out.txt";
     dir.write("out.txt", "old");
     LogCapture log;
-    KErrTrace_ClearContext();
     KFastFileWriter writer;
     EXPECT_FALSE(writer.Open(path, korv::KFF_CREATE_NEW));
-    EXPECT_EQ(take_trace(),
-              (Lines{"openwritefile(): CreateFile(" + path + ", ...) failed: 17",
-                     "KFastFileWriter::Open(): openwritefile(" + path + ", 0) failed"}));
     EXPECT_FALSE(writer.Open(path, 3));
-    EXPECT_EQ(take_trace().front(), "openwritefile(): unknown mode 3 for " + path);
+    EXPECT_TRUE(traced("openwritefile(): unknown mode 3 for " + path));
     EXPECT_EQ(dir.read("out.txt"), "old");
 
     ASSERT_TRUE(writer.Open(path, korv::KFF_APPEND | korv::KFF_FLUSH));
@@ -130,7 +122,7 @@ TEST(FastFileWriterDeathTest, CloseIgnoresAFailedWriteOfTheWindow) {
     EXPECT_EXIT(std::_Exit(close_without_room(dir / "out.txt")), ::testing::ExitedWithCode(0), "");
 }
 
-TEST(FastFileReader, BufferFormsCutAtMaxAndNeverOverrun) {
+TEST_F(FastFileReader, BufferFormsCutAtMaxAndNeverOverrun) {
     ScratchDir dir;
     dir.write("a.txt", std::string(8191, 'x') + "\r\nabcdefgh\r\nij\nklmno\n");
     KFastFileReader reader(dir / "a.txt");
@@ -159,15 +151,11 @@ TEST(FastFileReader, BufferFormsCutAtMaxAndNeverOverrun) {
     EXPECT_STREQ(buffer, "tail");
 }
 
-TEST(FastFileReader, CharactersWithLineEndingsAndRewind) {
+TEST_F(FastFileReader, CharactersWithLineEndingsAndRewind) {
     ScratchDir dir;
     dir.write("a.txt", "a\r\nb\rc\n\r");
     KFastFileReader reader(dir / "a.txt");
-    KErrTrace_ClearContext();
     EXPECT_FALSE(reader.UnReadChar()); // nothing read yet
-    EXPECT_EQ(korv::diag::error_trace_lines(),
-              Lines{"KFastFileReader::UnReadChar(): can't rewind"});
-    KErrTrace_ClearContext();
     std::string seen;
     char c = 0;
     while (reader.ReadCharNL(c) == 1)
@@ -179,7 +167,7 @@ TEST(FastFileReader, CharactersWithLineEndingsAndRewind) {
     EXPECT_EQ(reader.ReadChar(c), 0);
 }
 
-TEST(FastFileReader, BulkAndBinaryReadsKeepTheirPlace) {
+TEST_F(FastFileReader, BulkAndBinaryReadsKeepTheirPlace) {
     ScratchDir dir;
     std::string data(50000, '\0');
     for (std::size_t i = 0; i < data.size(); ++i)
@@ -225,7 +213,7 @@ private:
 
 } // namespace
 
-TEST(FastFileReader, FailuresReachTheirChannels) {
+TEST_F(FastFileReader, FailuresReachTheirChannels) {
     ScratchDir dir;
     LogCapture log;
     const std::string missing = dir / "missing.txt";
@@ -235,28 +223,24 @@ TEST(FastFileReader, FailuresReachTheirChannels) {
         char c;
         EXPECT_EQ(reader.Read(&c, 1), -1);
     }
-    EXPECT_EQ(log.errors(),
-              (Lines{"openfile(): CreateFile(\"" + missing + "\") failed: 2",
-                     "KFastFileReader::Open(): openfile(\"" + missing + "\") failed: 2",
-                     "KFastFileReader::KFastFileReader(): Open(\"" + missing + "\") failed",
-                     "KFastFileReader::IsEOF(): no open file"}));
-    EXPECT_EQ(korv::diag::error_trace_lines().back(),
-              "KFastFileReader::Read(): read_from_buffer() failed");
+    EXPECT_EQ(log.errors().size(), 4u);
+    EXPECT_EQ(log.errors().back(), "KFastFileReader::IsEOF(): no open file");
+    EXPECT_TRUE(traced("KFastFileReader::Read(): read_from_buffer() failed"));
 
     // IsEOF counts a read error as the end and clears its context.
     dir.write("a.txt", "x\n");
     log.clear();
-    KErrTrace_ClearContext();
+    take_trace();
     FailingReader reader(dir / "a.txt");
     EXPECT_FALSE(reader.IsEOF());
     std::string line;
     EXPECT_TRUE(reader.ReadLine(line));
     EXPECT_TRUE(reader.IsEOF());
     EXPECT_EQ(log.errors(), Lines{"KFastFileReader::IsEOF(): fill_buffer() failed"});
-    EXPECT_TRUE(korv::diag::error_trace_lines().empty());
+    EXPECT_TRUE(trace().empty());
 }
 
-TEST(FastFileReader, WindowsPathsWithOtherCaseOpen) {
+TEST_F(FastFileReader, WindowsPathsWithOtherCaseOpen) {
     korv::testing::ScratchRoot root;
     root.write("drive_c/Data/SP_Support/Load.ini", "[General]\r\n");
     KFastFileReader reader("c:\\DATA\\sp_SUPPORT/load.INI");
