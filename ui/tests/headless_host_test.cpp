@@ -181,40 +181,19 @@ TEST(HeadlessHost, DumpShowsStateItemsTipsAndVisiblePages) {
     auto at = std::search(lines.begin(), lines.end(), page.begin(), page.end());
     EXPECT_NE(at, lines.end()) << "the frame and its current page only";
 
-    // The main dialog's dump, as seen after the pages closed.
+    // The main dialog's dump: one line of each kind of control and state.
     ScriptRun main("click 511\ndump\n");
     const auto& all = main.run();
-    const std::vector<std::string> expected = {
-        "  dump 500 \"Sample.dlghead\"",
-        "    1 default button \"OK.but\"",
-        "    2 button \"Cancel.but\"",
-        "    510 bitmap button \"Undo\"",
-        "    511 check box \"Option.txt\" checked",
-        "    512 radio button \"First.txt\"",
-        "    513 radio button \"Second.txt\" checked",
-        "    514 check box \"Middle.txt\"",
-        "    515 radio button \"Third.txt\"",
-        "    516 radio button \"Other.txt\"",
-        "    - static \"Name:.txt\"",
-        "    520 static \"\"",
-        "    521 bitmap \"9999\"",
-        "    522 frame \"\" hidden",
-        "    523 edit \"\"",
-        "    524 edit \"fixed\"",
-        "    525 list box \"\" items 3 selection -1",
-        "      0 \"apple\" data 97",
-        "      1 \"Banana\" data 66",
-        "      2 \"Cherry\" data 67",
-        "    526 combo box \"one\" items 2 selection 0",
-        "      0 \"one\"",
-        "      1 \"two\"",
-        "    527 rich edit \"\"",
-        "    528 button \"Pages.but\" tip \"Opens the pages\"",
-        "    529 button \"Ask.but\"",
-        "    530 button \"Never.but\" disabled",
-    };
-    auto found = std::search(all.begin(), all.end(), expected.begin(), expected.end());
-    EXPECT_NE(found, all.end());
+    for (const char* line :
+         {"  dump 500 \"Sample.dlghead\"", "    1 default button \"OK.but\"",
+          "    510 bitmap button \"Undo\"", "    511 check box \"Option.txt\" checked",
+          "    513 radio button \"Second.txt\" checked", "    - static \"Name:.txt\"",
+          "    521 bitmap \"9999\"", "    522 frame \"\" hidden", "    524 edit \"fixed\"",
+          "    525 list box \"\" items 3 selection -1", "      1 \"Banana\" data 66",
+          "    526 combo box \"one\" items 2 selection 0", "    527 rich edit \"\"",
+          "    528 button \"Pages.but\" tip \"Opens the pages\"",
+          "    530 button \"Never.but\" disabled"})
+        EXPECT_NE(std::find(all.begin(), all.end(), line), all.end()) << line;
 }
 
 TEST(HeadlessHost, UnusedEventsAreReportedWhenTheHostEnds) {
