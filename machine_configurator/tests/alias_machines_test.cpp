@@ -79,16 +79,6 @@ TEST_F(AliasMachines, AliasCopiesItsParentsRecordsUnderItsOwnNameAndNumbers) {
     EXPECT_EQ(twins[1].ini_path, parent_record("200").ini_path);
 }
 
-TEST_F(AliasMachines, ParentInAnotherRootAddsNothingAndSaysNothing) {
-    alias("KMX_100.ini", kParent);
-    alias("KMX_100_Light.alias", kLight);
-    MachineTreeMap map{{"Other", {parent_record("1")}}};
-    const MachineTreeMap before = map;
-    EXPECT_TRUE(getAliasMachines(map));
-    EXPECT_EQ(map, before);
-    EXPECT_TRUE(korv::diag::error_trace_lines().empty());
-}
-
 TEST_F(AliasMachines, OneUndefinedNumberStopsEveryAliasOfTheRoot) {
     alias("KMX_100.ini", kParent);
     alias("KMX_100_Light.alias", kLight);
@@ -117,12 +107,8 @@ TEST_F(AliasMachines, FolderWithoutAliasFilesIsFineAndAMissingFolderIsNot) {
 
 TEST_F(AliasMachines, DamagedAliasFileFailsTheWholeRead) {
     const struct {
-        std::string alias;
-        std::string parent;
-        std::string message;
+        std::string alias, parent, message;
     } cases[] = {
-        {"[General]\nfile=KMX_100.ini\n", kParent,
-         "getAliasMachinesInfo(): GetStringEntryAndTrim() [General] alias_machine_name= failed"},
         {"[General]\nfile=KMX_100.ini\nalias_machine_name=A\n[AliasIdentNo_5]\nparent=1\n", kParent,
          "getAliasMachinesInfo(): GetStringEntryAndTrim() [AliasIdentNo_5] parent_identno= "
          "failedgetAliasMachinesInfo"},

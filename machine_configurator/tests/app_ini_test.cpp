@@ -29,6 +29,12 @@ TEST_F(AppIni, TraceLevelFromTheFileHeldToItsRange) {
     write("RigCfg.ini", "[General]\r\ndel_log_file=1\r\nktrace_level=-1\r\n");
     dlg->ReadAppIniFile();
     EXPECT_TRUE(level_on(0) && !level_on(1));
+
+    // What parsed before a bad line is used, and saved with the missing key.
+    write("RigCfg.ini", "[General]\r\nktrace_level=2\r\nnot an entry\r\nmore=1\r\n");
+    dlg->ReadAppIniFile();
+    EXPECT_TRUE(level_on(2) && !level_on(3));
+    EXPECT_EQ(read("RigCfg.ini"), "[General]\r\nktrace_level=2\r\ndel_log_file=1\r\n");
 }
 
 TEST_F(AppIni, ConfigurationSectionInAMidspanRun) {
@@ -109,17 +115,6 @@ TEST_F(AppIni, WriteStoresTheRecordByteForByte) {
               std::string::npos);
 }
 
-TEST_F(AppIni, PartlyParsedFileIsUsedAndCompleted) {
-    auto dlg = make_dialog(ProductTypeMidspan);
-    // What parsed before the bad line is used, and saved with the missing key.
-    write("RigCfg.ini", "[General]\r\nktrace_level=2\r\nnot an entry\r\nmore=1\r\n");
-    dlg->ReadAppIniFile();
-    EXPECT_TRUE(
-        log.has_error(std::string("GetKtraceLevel(): mid.Open(") + kApp + "RigCfg.ini) failed"));
-    EXPECT_TRUE(level_on(2) && !level_on(3));
-    EXPECT_EQ(read("RigCfg.ini"), "[General]\r\nktrace_level=2\r\ndel_log_file=1\r\n");
-}
-
 TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
     auto dlg = make_dialog(ProductTypeMidspan);
     dlg->ConvertIni(kApp);
@@ -143,16 +138,9 @@ TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
     EXPECT_EQ(mtime("sp_load.ini"), before);
 }
 
-TEST_F(AppIni, BoardTypeAndDynamicPath) {
+// The board type is read in the control file tests.
+TEST_F(AppIni, DynamicPath) {
     auto dlg = make_dialog(ProductTypeKorECon);
-    std::string board = "stale";
-    write("m1/machine.ini", "[MACHINE]\r\nBoardType = PPC-A21 ; main board\r\n");
-    ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m1\\", board));
-    EXPECT_EQ(board, "PPC-A21");
-    write("m2/machine.ini", "[Other]\r\nBoardType=KECPU\r\n");
-    ASSERT_TRUE(dlg->ReadBoardTypeFromIniFile(std::string(kApp) + "m2\\", board));
-    EXPECT_EQ(board, "");
-
     std::string path = "stale";
     EXPECT_FALSE(dlg->GetKorEConDynamicIniPath(path));
     EXPECT_EQ(path, "");

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <sys/fsuid.h>
 #include <vector>
 
 namespace catalogue_test {
@@ -73,14 +72,6 @@ public:
                 return true;
         return false;
     }
-};
-
-// Looks at files as an unprivileged user while it lives, so that permissions
-// hold for a test run as root too.
-class Unprivileged {
-public:
-    Unprivileged() { ::setfsuid(65534); }
-    ~Unprivileged() { ::setfsuid(0); }
 };
 
 inline int count_errors(const korv::testing::LogCapture& log, const std::string& part) {

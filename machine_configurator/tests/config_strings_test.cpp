@@ -19,15 +19,6 @@ TEST(ConfigStrings, GroupKeyFoldsDifferOnlyInKorSurf) {
     EXPECT_EQ(NormaliseGroupKeyAtStart("KORSURF"), "CONTOUR/SURFACE");
 }
 
-TEST(ConfigStrings, TokensAndComments) {
-    EXPECT_EQ(TokenizeString("A::Order-No::7", ":"),
-              (std::vector<std::string>{"A", "Order-No", "7"}));
-    EXPECT_TRUE(TokenizeString(":::", ":").empty());
-    EXPECT_EQ(StripCommentAndWhitespace(" Kor Shaft ; note"), "KorShaft");
-    EXPECT_EQ(StripCommentAndWhitespace("KECPU // board /* x"), "KECPU");
-    EXPECT_EQ(StripComment("C:\\a b ; c"), "C:\\a b ");
-}
-
 TEST(ConfigStrings, ActiveSectionWriterAndLooseScanner) {
     const std::string written = BuildActiveSectionString({"U", "", "S 1:vertical,S2", "C"});
     EXPECT_EQ(written, "DRIVEUNIT[U],TABLE[],MEASURESTAND[S 1:vertical,S2],CONTROL[C]");
@@ -87,13 +78,6 @@ TEST(ConfigStrings, FormLoadStandAndMachineDisplay) {
     EXPECT_EQ(display, "KorShaft 3:Type:1234");
     EXPECT_FALSE(BuildMachineDisplay("KorShaft 3:Order-No", "Type", display));
     EXPECT_EQ(display, "KorShaft 3:Type:1234");
-}
-
-TEST(ConfigStrings, HistoryTextsAreCutNotOverrun) {
-    CfgHistoryEntry entry;
-    CfgHistoryEntry::set_text(entry.stand, std::string(2000, 'x'));
-    EXPECT_EQ(std::string(entry.stand), std::string(255, 'x'));
-    EXPECT_EQ(entry.table[0], '\0');
 }
 
 std::string joined(const ActiveConfigRecord& r) {

@@ -2,7 +2,6 @@
 #include "data_sheets.h"
 #include "rigcfg_files_fixture.h"
 
-#include "RigCfgDlg.h"
 #include "alias_maschines.h"
 
 #include <gtest/gtest.h>
@@ -36,9 +35,7 @@ void write_folder_trees(const Install& install) {
     install.machine(gear, "KMX 100", "2", machine_ini("2", "KORGEAR", "[KMX 100 Light]\nHIDE=1\n"));
     install.machine(gear, "Twin", "2", machine_ini("2", "KORGEAR"));
     const struct {
-        const char* root;
-        const char* name;
-        const char* group;
+        const char *root, *name, *group;
     } singles[] = {{"KorSurf", "KS 500", "KORSURF"},
                    {"KorShaft", "Shaft", "KORSHAFT"},
                    {"KorOpto", "Opto", "KOROPTO"},
@@ -60,6 +57,7 @@ void write_folder_trees(const Install& install) {
 void write_midspan_files(const Install& install, const std::string& table_file = "Tables.dat") {
     install.write_c(kConfig, "[DRIVEUNIT]\nfile_1=.\\SP_Support\\DriveUnit.dat\nno_1=VD 120\n"
                              "file_2=.\\SP_Support\\DriveUnit.dat\nno_2=Old 1\n"
+                             "file_3=.\\SP_Support\\DriveUnit.dat\nno_3=XD 130\n"
                              "[TABLE]\nfile=" +
                                  table_file +
                                  "\nno_1=XY CNC\nno_2=Manual\nno_3=Hidden\nno_5=Behind the gap\n"
@@ -68,8 +66,10 @@ void write_midspan_files(const Install& install, const std::string& table_file =
     install.write_c(kWork + "SP_Support\\DriveUnit.dat",
                     "[ORDERNO.VD 120]\nno_1=6110\nno_2=6111\n"
                     "[VD 120:Order-No:6110]\ninterface=COM1:switch\ngroup=CONTOUR/SURFACE\n"
+                    "table=manual\n"
                     "[VD 120:Order-No:6111]\ninterface=COM2\ngroup=CONTOUR/SURFACE\n"
-                    "[Old 1]\ninterface=COM1\ngroup=SURFACE\nHIDE=1\n");
+                    "[Old 1]\ninterface=COM1\ngroup=SURFACE\nHIDE=1\n"
+                    "[XD 130]\ninterface=COM2\ngroup=SURFACE\n");
     install.write_c(kWork + "Tables.dat",
                     "[XY CNC]\nConfigGroup=CNC\n[Manual]\nConfigGroup=cnc\n[Hidden]\nHIDE=1\n");
     install.write_c(
@@ -145,7 +145,7 @@ TEST_F(Catalogue, FolderTreesOfEveryRootWithAliasesMakeTheKorEConCatalogue) {
     EXPECT_EQ(machine("KMX 100 Light", "9").ini_path, machine("KMX 100", "1").ini_path);
 }
 
-TEST_F(Catalogue, DamagedOrMissingAliasesEndTheBuildWithAnEmptyList) {
+TEST_F(Catalogue, DamagedAliasEndsTheBuildWithAnEmptyList) {
     write_folder_trees(m_install);
     m_install.write_c(std::string(kAliasMachinesFolder) + "\\Broken.alias",
                       "[General]\nfile=KMX_100.ini\n");
@@ -154,21 +154,21 @@ TEST_F(Catalogue, DamagedOrMissingAliasesEndTheBuildWithAnEmptyList) {
     ASSERT_TRUE(m_machines);
     EXPECT_TRUE(m_machines->empty());
     EXPECT_TRUE(log.has_error("CMidSpanCfgDlg::InitCfgDataStructure(): getAliasMachines() failed"));
-
-    std::filesystem::remove_all(m_install.host(kAliasMachinesFolder));
-    EXPECT_FALSE(build(false));
-    EXPECT_TRUE(m_machines->empty());
 }
 
 TEST_F(Catalogue, MidspanCatalogueComesFromTheConfigurationFileWithTablesAndStands) {
     write_folder_trees(m_install); // read, and dropped
     write_midspan_files(m_install);
     ASSERT_TRUE(build(true));
-    EXPECT_EQ(machine_names(), (std::vector<std::string>{"VD 120:6110", "VD 120:6111"}));
-    EXPECT_EQ(machine("VD 120", "6110").flags,
-              kSheetAlways | kSheetContour | kSheetCom1 | kSheetSwitch);
+    EXPECT_EQ(machine_names(), (std::vector<std::string>{"VD 120:6110", "VD 120:6111", "XD 130:"}));
+    const MachineDataSheet& vd = machine("VD 120", "6110");
+    EXPECT_EQ(vd.flags, kSheetAlways | kSheetContour | kSheetCom1 | kSheetSwitch);
+    EXPECT_EQ(vd.table_mode, kTableManual);
+    EXPECT_EQ(vd.folder, kWork + "SP_Support\\");
     EXPECT_EQ(machine("VD 120", "6111").flags, kSheetAlways | kSheetContour | kSheetCom2);
     EXPECT_EQ(machine("VD 120", "6111").index, 1u);
+    // No order number section: one record from the bare key.
+    EXPECT_EQ(machine("XD 130", "").flags, kSheetAlways | kSheetSurface | kSheetCom2);
 
     std::vector<std::string> units;
     for (const auto& sheet : *m_tables)
@@ -191,22 +191,4 @@ TEST_F(Catalogue, MissingTableFileIsToldAndTheTablesAreStillListed) {
     EXPECT_TRUE(log.has_error("INICfgFileIo(): missing entry [TABLE] 'file=' in " + kConfig));
     EXPECT_EQ(m_tables->size(), 3u); // nothing is hidden without a data file
     EXPECT_EQ(m_stands->size(), 4u);
-}
-
-TEST_F(Catalogue, DialogBuildsAndFreesItsSheetsForEveryProductType) {
-    write_folder_trees(m_install);
-    write_midspan_files(m_install);
-    for (const ProductType type : {ProductTypeMidspan, ProductTypeKorECon, ProductTypeMTMillikor}) {
-        SCOPED_TRACE(type);
-        CMidSpanCfgDlg dialog(type, kWork, kWork, nullptr);
-        const bool midspan = type == ProductTypeMidspan;
-        for (int build = 0; build < 2; ++build) { // a second build starts from scratch
-            EXPECT_TRUE(dialog.InitCfgDataStructure(midspan ? kConfig : ""));
-            ASSERT_TRUE(dialog.m_machineSheets);
-            EXPECT_EQ(dialog.m_machineSheets->size(), midspan ? 2u : 15u);
-            EXPECT_EQ(bool(dialog.m_tableSheets) + bool(dialog.m_standSheets), midspan ? 2 : 0);
-        }
-        dialog.FreeCfgDataStructure();
-        EXPECT_FALSE(dialog.m_machineSheets || dialog.m_tableSheets || dialog.m_standSheets);
-    }
 }

@@ -4,14 +4,11 @@
 #include "rigcfg_files_fixture.h"
 #include "source_tree.h"
 
-#include "kplatform_module.h"
 #include "ktranslate.h"
 #include "kversioninfo.h"
 
 #include <deque>
-#include <fstream>
 #include <functional>
-#include <map>
 
 namespace fs = std::filesystem;
 using namespace korv::ui;
@@ -137,8 +134,7 @@ TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAsk) {
         const char* name;
         ProductType type;
         std::string app_ini; // KorECon only
-        const char* unit_label;
-        const char* unit;
+        const char *unit_label, *unit;
         bool table_lines;
         const char* proxy; // null: the proxy line is hidden
     } cases[] = {
@@ -183,14 +179,6 @@ TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAsk) {
             EXPECT_FALSE(enabled(d, D::IDC_UNDO));
             EXPECT_FALSE(enabled(d, D::IDC_REDO));
             EXPECT_EQ(enabled(d, D::IDC_NEW), d.m_machineSheets != nullptr);
-            // Tips, images and the caption laid over the header bitmap.
-            EXPECT_TRUE(d.tool_tips_active());
-            EXPECT_EQ(d.find_control(D::IDC_NEW)->tip, "configuration wizard.txt");
-            EXPECT_EQ(d.find_control(D::IDC_REDO)->images,
-                      (std::vector<std::string>{"RedoU", "RedoD", "RedoF", "RedoX"}));
-            CRect caption;
-            d.GetDlgItem(D::IDC_HEADER_CAPTION)->GetWindowRect(&caption);
-            EXPECT_EQ(caption, (CRect{32, 13, 252, 23}));
         });
     }
     EXPECT_TRUE(host->boxes.empty());
@@ -246,11 +234,6 @@ TEST_F(MainDialog, UndoAndRedoAskFirstAndWriteTheLoaderFileOnlyOnYes) {
         }
     });
     EXPECT_EQ(host->boxes.size(), 4u);
-    // The interface form has no record form; both directions report it so.
-    const std::vector<std::string> errors = log.errors();
-    EXPECT_EQ(std::count(errors.begin(), errors.end(),
-                         "OnButtonUndo(): ConvertDrvunitStringToNewFormat() failed"),
-              2);
 }
 
 TEST_F(MainDialog, KorEConUndoWritesTheAppIniAndKeepsLabelsAndLines) {
@@ -278,7 +261,6 @@ TEST_F(MainDialog, KorEConUndoWritesTheAppIniAndKeepsLabelsAndLines) {
         EXPECT_TRUE(visible(d, D::IDC_PROXY));
         EXPECT_EQ(text_of(d, D::IDC_UNIT), "KMX 100:Order-No:9100100");
     });
-    EXPECT_FALSE(log.has_error("ConvertDrvunitStringToNewFormat() failed"));
 }
 
 TEST_F(MainDialog, EndRefusesWithoutAConfigurationAndReadsTheDisplayFormBack) {
@@ -333,26 +315,6 @@ TEST_F(MainDialog, TwoTokenMachineShownRawNewNeedsSheetsAndOnlyAboutOpensTheBox)
               (std::vector<std::string>{"100 " + korv::FileVersionInfo().GetFileVersion()}));
 }
 
-TEST_F(MainDialog, AProductGroupOrANewRunEndsTheDialogAfterTheWizard) {
-    const struct {
-        const char* productgroup;
-        const char* mode;
-        bool stays;
-    } cases[] = {{"", "", true}, {"FORM", "", false}, {"", "new", false}, {"", "New", true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.productgroup) + "/" + c.mode);
-        CMidSpanCfgApp app;
-        app.m_cmdInfo.m_productgroup = c.productgroup;
-        app.m_machineEntry.configure.mode = c.mode;
-        bool ran = false;
-        // A wizard that is not finished cancels the dialog at once.
-        EXPECT_EQ(run(
-                      ProductTypeMidspan, [&](CMidSpanCfgDlg&) { ran = true; }, &app),
-                  IDCANCEL);
-        EXPECT_EQ(ran, c.stays);
-    }
-}
-
 TEST_F(MainDialog, LongUnitTextsAreCutInTheFirstSnapshot) {
     const std::string stand(300, 'S');
     root.write(kMidspanHost + "sp_load.ini",
@@ -362,38 +324,6 @@ TEST_F(MainDialog, LongUnitTextsAreCutInTheFirstSnapshot) {
     run(ProductTypeMidspan, [&](CMidSpanCfgDlg& d) { EXPECT_EQ(d.m_actStand, stand); });
     const CfgHistory& history = TheCfgHistory();
     EXPECT_EQ(std::string(history.entries[history.current].stand), stand.substr(0, 255));
-}
-
-// Every image a dialog template names lies beside the program, found as a
-// window host finds it: ignoring case.
-TEST(DialogImages, EveryImageATemplateNamesIsThere) {
-    RegisterDialogResources();
-    const fs::path res = fs::path(korv::platform::executable_path()).parent_path() / "res";
-    std::map<std::string, fs::path> files;
-    for (const auto& entry : fs::directory_iterator(res)) {
-        std::string stem = entry.path().stem().string();
-        std::transform(stem.begin(), stem.end(), stem.begin(), ::toupper);
-        files[stem] = entry.path();
-    }
-    std::vector<std::string> named;
-    for (int id = 1; id < 2000; ++id)
-        if (const DialogTemplate* t = find_dialog_template(id))
-            for (const ControlTemplate& c : t->controls) {
-                if (c.kind == ControlKind::Bitmap)
-                    named.push_back(c.caption);
-                else if (c.kind == ControlKind::BitmapButton)
-                    for (const char* look : {"U", "D", "X"})
-                        named.push_back(c.caption + look);
-            }
-    ASSERT_GE(named.size(), 8u);
-    for (std::string name : named) {
-        std::transform(name.begin(), name.end(), name.begin(), ::toupper);
-        ASSERT_TRUE(files.count(name)) << name;
-        std::ifstream in(files[name], std::ios::binary);
-        std::string magic(2, '\0');
-        in.read(magic.data(), 2);
-        EXPECT_TRUE(magic == "BM" || magic == "\x89P") << name;
-    }
 }
 
 } // namespace

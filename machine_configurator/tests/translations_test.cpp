@@ -1,6 +1,6 @@
-#include "ktranslate.h"
-#include "rigcfg_files_fixture.h"
 #include "source_tree.h"
+
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,7 +9,7 @@
 #include <set>
 #include <sstream>
 
-using namespace rigcfg_test;
+using rigcfg_test::source_tree;
 
 namespace {
 
@@ -77,26 +77,6 @@ TEST(Translations, EveryKeyHasAnEnglishAndAGermanText) {
             EXPECT_NE(de.at(key), en.at(key)) << key;
         }
     }
-}
-
-class TranslatedBoxes : public FilesTest {
-protected:
-    void TearDown() override {
-        Translate_init("", root / "none", "en", "RigCfg");
-        FilesTest::TearDown();
-    }
-};
-
-TEST_F(TranslatedBoxes, BoxesShowTheGermanText) {
-    const std::filesystem::path source = source_tree();
-    ASSERT_FALSE(source.empty());
-    root.write("locale/de/RigCfg.po", slurp(source / "machine_configurator/locale/de/config.po"));
-    Translate_init("", root.path(), "de", "RigCfg");
-    auto dlg = make_dialog(ProductTypeMidspan);
-    dlg->INICfgFileIO(kApp, 0);
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_EQ(boxes[0].text, "Fehler: Die INI-Datei 'sp_load.ini' wurde nicht gefunden.\n\n"
-                             "Bitte wählen Sie das Verzeichnis der zugehörigen Loader-DLL aus.");
 }
 
 } // namespace
