@@ -58,6 +58,15 @@ TEST_F(MachinePagesTest, MachineListsKeepSheetOrderNameEachMachineOnceAndTakeASi
                 wiz->SetCurSel(index);
                 EXPECT_FALSE(NextEnabled()) << index;
             }
+            // One machine at a time: a second is refused, Delete empties the page.
+            wiz->SetCurSel(12);
+            Page<M>(12)->UserDoubleClick(M::IDC_OFFERED, 0);
+            Select(M::IDC_OFFERED, 1);
+            Click(M::IDC_ADD);
+            EXPECT_EQ(Items(Page<M>(12)->m_chosen), Strings{"Zeta"});
+            Select(M::IDC_CHOSEN, 0);
+            Click(M::IDC_DELETE);
+            EXPECT_FALSE(NextEnabled());
             // A single candidate is chosen at once.
             EXPECT_EQ(Items(Page<M>(15)->m_chosen), Strings{"Shaft 1"});
             EXPECT_EQ(Page<M>(15)->m_offered.GetCurSel(), korv::ui::LB_ERR);
@@ -66,38 +75,6 @@ TEST_F(MachinePagesTest, MachineListsKeepSheetOrderNameEachMachineOnceAndTakeASi
             EXPECT_TRUE(BackEnabled());
         });
     }
-}
-
-TEST_F(MachinePagesTest, OneMachineAtATime) {
-    AddMachine("Sim A", kSheetKorSim, "1");
-    AddMachine("Sim B", kSheetKorSim, "2");
-    Run([&] {
-        auto* page = Page<M>(12);
-        wiz->SetCurSel(12);
-        page->UserDoubleClick(M::IDC_OFFERED, 0);
-        EXPECT_TRUE(NextEnabled());
-        Select(M::IDC_OFFERED, 1);
-        Click(M::IDC_ADD); // the page takes one machine
-        EXPECT_EQ(Items(page->m_chosen), Strings{"Sim A"});
-        Select(M::IDC_CHOSEN, 0);
-        Click(M::IDC_DOWN); // nowhere to go in a list of one
-        Click(M::IDC_DELETE);
-        EXPECT_EQ(page->m_chosen.GetCount(), 0);
-        EXPECT_FALSE(NextEnabled());
-        Click(M::IDC_ADD);
-        EXPECT_EQ(Items(page->m_chosen), Strings{"Sim B"});
-        // More chosen than allowed: emptied, with a message.
-        page->CheckCapacity();
-        EXPECT_TRUE(host->boxes.empty());
-        page->m_capacity = 2;
-        page->UserDoubleClick(M::IDC_OFFERED, 0);
-        page->m_capacity = 1;
-        page->CheckCapacity();
-        EXPECT_EQ(page->m_chosen.GetCount(), 0);
-        ASSERT_EQ(host->boxes.size(), 1u);
-        EXPECT_EQ(host->boxes[0].first, "The interface properties have been changed.msg");
-        EXPECT_EQ(host->boxes[0].second, korv::ui::MB_ICONINFORMATION);
-    });
 }
 
 TEST_F(MachinePagesTest, OrderNumbersAndControlsOfTheChosenMachine) {

@@ -97,22 +97,17 @@ TEST_F(NewConfiguration, ContourRunWritesTheLoaderFilesAndAddsOneSnapshotPerOk) 
     // The same choices twice: each OK is a snapshot of its own.
     Run(ProductTypeMidspan, std::string(kContourWalk) + kContourWalk);
     EXPECT_EQ(dlg->m_wizardResult, 1);
-    EXPECT_EQ(dlg->m_actGroup, "CONTOUR/SURFACE");
-    EXPECT_EQ(dlg->m_actDriveUnit, "VD 120:COM1");
-    EXPECT_EQ(dlg->m_actTable, "Rotary Table TB 50");
-    EXPECT_EQ(dlg->m_actStand, "SZ 750 D:horizontal");
     // The contour summary takes the folder of the catalogue's first sheet.
     EXPECT_FALSE(dlg->m_iniFolder.empty());
-
+    const auto text = [](const CfgHistoryEntry& e) {
+        return e.group + "|" + e.drive_unit + "|" + e.table + "|" + e.stand + "|" + e.folder;
+    };
     const std::vector<CfgHistoryEntry> snapshots = Snapshots();
     ASSERT_EQ(snapshots.size(), 3u);
-    for (std::size_t i = 1; i < snapshots.size(); ++i) {
-        EXPECT_EQ(snapshots[i].group, "CONTOUR/SURFACE");
-        EXPECT_STREQ(snapshots[i].drive_unit, "VD 120:COM1");
-        EXPECT_STREQ(snapshots[i].table, "Rotary Table TB 50");
-        EXPECT_STREQ(snapshots[i].stand, "SZ 750 D:horizontal");
-        EXPECT_EQ(snapshots[i].folder, dlg->m_iniFolder);
-    }
+    EXPECT_EQ(text(snapshots[1]), text(snapshots[2]));
+    EXPECT_EQ(text(snapshots[2]), "CONTOUR/SURFACE|VD 120:COM1|Rotary Table TB 50|"
+                                  "SZ 750 D:horizontal|" +
+                                      dlg->m_iniFolder);
     EXPECT_TRUE(TheCfgHistory().CanUndo());
     EXPECT_FALSE(TheCfgHistory().CanRedo());
 

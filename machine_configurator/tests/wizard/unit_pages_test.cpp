@@ -1,5 +1,4 @@
 // The interface path of the wizard: interfaces, drive units, table and stands (pages 1 to 4).
-#include "wizard/WizNewPage4.h"
 #include "wizard/wizard_fixture.h"
 
 namespace {
@@ -244,42 +243,6 @@ TEST_F(UnitPagesTest, StandRowsOnlyForPortsWithAUnitAndFreshOnEveryArrival) {
         EXPECT_EQ(Labels(P4()->m_rows, 2), (Strings{"", ""}));
         EXPECT_EQ(Items(P4()->m_rows[1].m_combo), Strings{""});
     });
-}
-
-TEST_F(UnitPagesTest, ListFormOfTheStandPageTakesTwoOrNoStandAlone) {
-    CWizardDlg wizard(&dlg);
-    CWizNewPage4 page(&wizard);
-    wizard.AddPage("product group", nullptr, 130);
-    wizard.AddPage("measurement stand", &page, CWizNewPage4::IDD);
-    host->body = [&] {
-        wizard.SetCurSel(1);
-        for (const char* name : {"No Stand", "S1", "S2"})
-            page.AddStandName(name);
-        const auto take = [&](int item) { page.UserDoubleClick(CWizNewPage4::IDC_OFFERED, item); };
-        const auto act = [&](int button, int row) {
-            page.UserSelect(CWizNewPage4::IDC_CHOSEN, row);
-            page.UserClick(button);
-        };
-        const auto next = [&] { return wizard.GetDlgItem(IDOK)->IsWindowEnabled(); };
-        take(1);
-        take(2);
-        take(1);
-        EXPECT_EQ(Items(page.m_chosen), (Strings{"S1", "S2"}));
-        EXPECT_TRUE(next());
-        act(CWizNewPage4::IDC_UP, 1);
-        EXPECT_EQ(Items(page.m_chosen), (Strings{"S2", "S1"}));
-        EXPECT_EQ(page.m_chosen.GetItemData(1), 1u);
-        act(CWizNewPage4::IDC_DELETE, 0);
-        take(0);
-        take(2);
-        EXPECT_EQ(Items(page.m_chosen), Strings{"No Stand"});
-        act(CWizNewPage4::IDC_DELETE, 0);
-        EXPECT_FALSE(next());
-        take(2);
-        EXPECT_EQ(Items(page.m_chosen), Strings{"S2"});
-    };
-    wizard.DoModal();
-    host->body = nullptr;
 }
 
 } // namespace
