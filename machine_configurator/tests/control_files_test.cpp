@@ -1,5 +1,6 @@
 #include "rigcfg_files_fixture.h"
 
+#include <algorithm>
 #include <filesystem>
 
 using namespace rigcfg_test;
@@ -87,6 +88,25 @@ TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
                       std::string(kApp) + "m\\\""),
             std::string(row.board) == "ppc-a21");
     }
+}
+
+TEST_F(ControlFiles, FilesAreWrittenInTheirOrder) {
+    write("launcher.ini", "[general]\r\nroot=ppc\r\n");
+    configure("FORM", "M", "1", "fiberproxy");
+    dlg->UpdateConfigFilesKorEcon();
+    // Where each file's trace stands: machine tree, camera list, korecon.ini, launcher.ini.
+    const std::vector<std::string> traces = log.traces();
+    std::vector<std::size_t> at;
+    for (const std::string& part :
+         {std::string("mtmachineloader.ini updated to"), std::string("qidcamera.ini updated"),
+          "save done for " + std::string(kApp) + "korecon.ini",
+          std::string("set [general] root= korecon")})
+        at.push_back(
+            std::find_if(traces.begin(), traces.end(),
+                         [&](const std::string& t) { return t.find(part) != std::string::npos; }) -
+            traces.begin());
+    ASSERT_LT(at.back(), traces.size());
+    EXPECT_TRUE(std::is_sorted(at.begin(), at.end())) << at[0] << at[1] << at[2] << at[3];
 }
 
 TEST_F(ControlFiles, UnchangedConfigurationRewritesOnlyKoreconIni) {

@@ -4,11 +4,15 @@
 #include "rigcfg_files_fixture.h"
 #include "source_tree.h"
 
+#include "kplatform_module.h"
 #include "ktranslate.h"
 #include "kversioninfo.h"
 
+#include <algorithm>
 #include <deque>
+#include <fstream>
 #include <functional>
+#include <map>
 
 namespace fs = std::filesystem;
 using namespace korv::ui;
@@ -324,6 +328,38 @@ TEST_F(MainDialog, LongUnitTextsAreCutInTheFirstSnapshot) {
     run(ProductTypeMidspan, [&](CMidSpanCfgDlg& d) { EXPECT_EQ(d.m_actStand, stand); });
     const CfgHistory& history = TheCfgHistory();
     EXPECT_EQ(std::string(history.entries[history.current].stand), stand.substr(0, 255));
+}
+
+// Every image a dialog template names lies beside the program, as a window
+// host looks it up: ignoring case, as resource names do.
+TEST(DialogImages, EveryImageATemplateNamesIsThere) {
+    RegisterDialogResources();
+    const fs::path res = fs::path(korv::platform::executable_path()).parent_path() / "res";
+    std::map<std::string, fs::path> files;
+    for (const auto& entry : fs::directory_iterator(res)) {
+        std::string stem = entry.path().stem().string();
+        std::transform(stem.begin(), stem.end(), stem.begin(), ::toupper);
+        files[stem] = entry.path();
+    }
+    std::vector<std::string> named;
+    for (int id = 1; id < 2000; ++id)
+        if (const DialogTemplate* t = find_dialog_template(id))
+            for (const ControlTemplate& c : t->controls) {
+                if (c.kind == ControlKind::Bitmap)
+                    named.push_back(c.caption);
+                else if (c.kind == ControlKind::BitmapButton)
+                    for (const char* look : {"U", "D", "X"})
+                        named.push_back(c.caption + look);
+            }
+    ASSERT_GE(named.size(), 8u);
+    for (std::string name : named) {
+        std::transform(name.begin(), name.end(), name.begin(), ::toupper);
+        ASSERT_TRUE(files.count(name)) << name;
+        std::ifstream in(files[name], std::ios::binary);
+        std::string magic(2, '\0');
+        in.read(magic.data(), 2);
+        EXPECT_TRUE(magic == "BM" || magic == "\x89P") << name;
+    }
 }
 
 } // namespace
