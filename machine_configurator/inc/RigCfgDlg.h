@@ -191,6 +191,8 @@ public:
     void OnInitDlg();
     // New, Undo and Redo enabled as the catalogue and the history allow.
     void RefreshHistoryButtons();
+    // A snapshot of the members under `group`, with the record folder `folder`.
+    CfgHistoryEntry Snapshot(const std::string& group, const std::string& folder) const;
     void OnButtonUndo();
     void OnButtonRedo();
     // Runs the wizard and takes its result over; leaves m_wizardResult.

@@ -4,6 +4,7 @@
 
 #include "KIniData_template_core.h"
 #include "errtrace.h"
+#include "stl_utilities.h"
 
 #include <initializer_list>
 
@@ -12,13 +13,6 @@ namespace {
 constexpr const char* kName = "CMidSpanCfgDlg::UpdateConfigFilesKorEcon";
 constexpr const char* kKorSimComment =
     "       // don't start KorSim [changed by machine configurator]";
-
-bool one_of(const std::string& text, std::initializer_list<const char*> words) {
-    for (const char* word : words)
-        if (text == word)
-            return true;
-    return false;
-}
 
 bool contains_any(const std::string& text, std::initializer_list<const char*> words) {
     for (const char* word : words)
@@ -39,10 +33,10 @@ LauncherChoice launcher_choice(const std::string& group, const std::string& boar
         return {"korsim", 0};
     if (board == "KECPU")
         return {"korecon", 1};
-    if (one_of(board, {"ARM-Platform", "PPC-A21", "Win_x64"}))
+    if (korv::stl_string_is_one_of(board, {"ARM-Platform", "PPC-A21", "Win_x64"}))
         return proxy.empty() || proxy == "korecon" ? LauncherChoice{"ppc", 0}
                                                    : LauncherChoice{"proxy", 0};
-    if (one_of(group, {"KORGEAR", "KORSURF", "PLATFORM_COMPONENTS"}))
+    if (korv::stl_string_is_one_of(group, {"KORGEAR", "KORSURF", "PLATFORM_COMPONENTS"}))
         return {"ppc", 0};
     return {"korecon", 1};
 }
@@ -147,7 +141,8 @@ void CMidSpanCfgDlg::UpdateConfigFilesKorEcon() {
         }
     }
 
-    if (!board.empty() && !one_of(board, {"KECPU", "ARM-Platform", "PPC-A21", "Win_x64"})) {
+    if (!board.empty() &&
+        !korv::stl_string_is_one_of(board, {"KECPU", "ARM-Platform", "PPC-A21", "Win_x64"})) {
         KTRACE(0, "%s; unknown board type \"%s\" from folder \"%s\"", kName, board.c_str(),
                folder.c_str());
         board.clear();

@@ -13,6 +13,18 @@ void CMidSpanCfgDlg::RefreshHistoryButtons() {
         button->EnableWindow(history.CanUndo());
 }
 
+CfgHistoryEntry CMidSpanCfgDlg::Snapshot(const std::string& group,
+                                         const std::string& folder) const {
+    CfgHistoryEntry entry;
+    entry.group = group;
+    CfgHistoryEntry::set_text(entry.drive_unit, m_actDriveUnit);
+    CfgHistoryEntry::set_text(entry.table, m_actTable);
+    CfgHistoryEntry::set_text(entry.stand, m_actStand);
+    entry.folder = folder;
+    entry.proxy = m_actProxy;
+    return entry;
+}
+
 void CMidSpanCfgDlg::OnButtonUndo() {
     StepHistory(true);
 }

@@ -26,16 +26,10 @@ void CMidSpanCfgDlg::OnButtonNew() {
     m_iniFolder = wizard.m_resIniFolder;
     m_iniFile = wizard.m_resIniFile;
 
-    CfgHistoryEntry snapshot;
-    snapshot.group = NormaliseGroupKey(m_actGroup);
-    if (snapshot.group == "FORM" && m_productType == ProductTypeMidspan)
+    const std::string group = NormaliseGroupKey(m_actGroup);
+    if (group == "FORM" && m_productType == ProductTypeMidspan)
         WriteFormLoadIni(m_workDir + "\\form_load.ini");
-    CfgHistoryEntry::set_text(snapshot.drive_unit, m_actDriveUnit);
-    CfgHistoryEntry::set_text(snapshot.table, m_actTable);
-    CfgHistoryEntry::set_text(snapshot.stand, m_actStand);
-    snapshot.folder = wizard.m_resIniFolder;
-    snapshot.proxy = m_actProxy;
-    TheCfgHistory().Push(snapshot);
+    TheCfgHistory().Push(Snapshot(group, wizard.m_resIniFolder));
 
     RefreshHistoryButtons();
     OnInitDlg();

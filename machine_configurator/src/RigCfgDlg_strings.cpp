@@ -13,13 +13,6 @@ namespace {
 // Active section values must stay below this size, as the loader's buffers do.
 constexpr std::size_t kMaxSectionValue = 1024;
 
-bool one_of(const std::string& text, std::initializer_list<const char*> words) {
-    for (const char* word : words)
-        if (text == word)
-            return true;
-    return false;
-}
-
 // The bracket value behind `from`: leading blanks skipped, trailing kept, up
 // to the next ']'. False if a bracket is missing, the text ends while
 // skipping, or the value is too long.
@@ -53,8 +46,9 @@ bool scan_optional(const std::string& text, const char* keyword, const char* fal
 } // namespace
 
 std::string NormaliseGroupKey(const std::string& group) {
-    if (one_of(group, {"FORM", "KORSIM", "KORSHAFT", "KORGEAR", "KOROPTO", "PLATFORM_COMPONENTS",
-                       "PRECIKOR", "KORSURF", "KORGEOMETRY"}))
+    if (korv::stl_string_is_one_of(group,
+                                   {"FORM", "KORSIM", "KORSHAFT", "KORGEAR", "KOROPTO",
+                                    "PLATFORM_COMPONENTS", "PRECIKOR", "KORSURF", "KORGEOMETRY"}))
         return group;
     return "CONTOUR/SURFACE";
 }

@@ -4,29 +4,23 @@
 #include "RigCfgDlg.h"
 
 #include "errtrace.h"
+#include "stl_utilities.h"
 
 #include <ctime>
 #include <initializer_list>
 
 namespace {
 
-bool one_of(const std::string& text, std::initializer_list<const char*> words) {
-    for (const char* word : words)
-        if (text == word)
-            return true;
-    return false;
-}
-
 // Groups whose drive unit line names a machine.
 bool is_machine_group(const std::string& group) {
-    return one_of(group, {"FORM", "KORSIM", "KORSHAFT", "KORGEAR", "KOROPTO", "PLATFORM_COMPONENTS",
-                          "KORGEOMETRY", "PRECIKOR"});
+    return korv::stl_string_is_one_of(group, {"FORM", "KORSIM", "KORSHAFT", "KORGEAR", "KOROPTO",
+                                              "PLATFORM_COMPONENTS", "KORGEOMETRY", "PRECIKOR"});
 }
 
 // Groups whose KorECon control talks through a proxy.
 bool is_proxy_group(const std::string& group) {
-    return one_of(group,
-                  {"FORM", "KOROPTO", "KORSHAFT", "KORSIM", "KORGEOMETRY", "PLATFORM_COMPONENTS"});
+    return korv::stl_string_is_one_of(
+        group, {"FORM", "KOROPTO", "KORSHAFT", "KORSIM", "KORGEOMETRY", "PLATFORM_COMPONENTS"});
 }
 
 } // namespace
@@ -94,14 +88,7 @@ bool CMidSpanCfgDlg::OnInitDialog() {
         ConvertIni(m_workDir);
     INICfgFileIO(m_workDir, 0);
 
-    CfgHistoryEntry first;
-    first.group = NormaliseGroupKeyAtStart(m_actGroup);
-    CfgHistoryEntry::set_text(first.drive_unit, m_actDriveUnit);
-    CfgHistoryEntry::set_text(first.table, m_actTable);
-    CfgHistoryEntry::set_text(first.stand, m_actStand);
-    first.folder = m_record.folder;
-    first.proxy = m_actProxy;
-    history.Push(first);
+    history.Push(Snapshot(NormaliseGroupKeyAtStart(m_actGroup), m_record.folder));
 
     RefreshHistoryButtons();
     OnInitDlg();

@@ -10,6 +10,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,14 @@ void stl_string_to_lower(std::string& text);
 void stl_string_strip_comment(std::string& text);
 // Takes every white space character out.
 void stl_string_remove_white_space(std::string& text);
+// True if `text` is exactly one of `words`.
+inline bool stl_string_is_one_of(const std::string& text,
+                                 std::initializer_list<const char*> words) {
+    for (const char* word : words)
+        if (text == word)
+            return true;
+    return false;
+}
 
 // strtol base 10 held to 32 bits (saturating, errno ERANGE) and strtod. The value
 // is stored whatever happens. With `whole` the text must be used up entirely;
