@@ -5,6 +5,7 @@
 #include "data_sheets.h"
 #include "ui_framework.h"
 #include "wizard/InterfaceRow.h"
+#include "wizard/WizardPage.h"
 
 #include <array>
 #include <cstdint>
@@ -13,7 +14,7 @@
 
 class CWizardDlg;
 
-class CWizDriveUnits : public korv::ui::CDialog {
+class CWizDriveUnits : public CWizardPage {
 public:
     static constexpr int IDD = 169;
     static constexpr int kPageIndex = 2;
@@ -37,7 +38,6 @@ public:
     // The first machine sheet named exactly `name`; null if there is none.
     const MachineDataSheet* FindDriveUnit(const std::string& name) const;
 
-    CWizardDlg* m_pWizard;
     std::int32_t m_rowCount = 0;
     std::int32_t m_builtMode = -1;
     std::array<InterfaceRow, kRows> m_rows;
@@ -46,8 +46,6 @@ public:
 
 protected:
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 
 private:

@@ -4,6 +4,7 @@
 
 #include "ui_framework.h"
 #include "wizard/InterfaceRow.h"
+#include "wizard/WizardPage.h"
 
 #include <array>
 #include <cstdint>
@@ -12,7 +13,7 @@
 
 class CWizardDlg;
 
-class CWizMeasureStands : public korv::ui::CDialog {
+class CWizMeasureStands : public CWizardPage {
 public:
     static constexpr int IDD = 168;
     static constexpr int kPageIndex = 4;
@@ -32,7 +33,6 @@ public:
     // its " (hor.)" or " (vert.)" suffix; empty without a valid selection.
     std::string GetStandText(int row) const;
 
-    CWizardDlg* m_pWizard;
     std::int32_t m_rowCount = 0;
     std::array<InterfaceRow, kRows> m_rows;
     std::vector<std::string> m_standTexts;
@@ -40,8 +40,6 @@ public:
 
 protected:
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 
 private:

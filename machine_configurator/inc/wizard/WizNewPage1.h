@@ -2,13 +2,14 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <cstdint>
 #include <string>
 
 class CWizardDlg;
 
-class CWizNewPage1 : public korv::ui::CDialog {
+class CWizNewPage1 : public CWizardPage {
 public:
     static constexpr int IDD = 130;
     // The first radio button; the group's value is the product group index.
@@ -22,15 +23,11 @@ public:
     // other key leaves it as it is.
     void SelectProductGroup(const std::string& key);
 
-    CWizardDlg* m_pWizard;
     korv::ui::CButton m_groupButton;
     std::int32_t m_group = 0;
 
 protected:
     void DoDataExchange(korv::ui::CDataExchange* pDX) override;
     bool OnInitDialog() override;
-    // Enter and Escape inside the page do nothing.
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <cstdint>
 
@@ -13,7 +14,7 @@ class CWizardDlg;
 // never reset, and left as it was when neither interface is chosen.
 extern std::int32_t g_interfaceMode;
 
-class CWizNewPage2 : public korv::ui::CDialog {
+class CWizNewPage2 : public CWizardPage {
 public:
     static constexpr int IDD = 153;
     static constexpr int kPageIndex = 1;
@@ -37,7 +38,6 @@ public:
     bool IsFirstInterfaceAlone() const;
     bool IsSecondInterfaceChosen() const;
 
-    CWizardDlg* m_pWizard;
     korv::ui::CButton m_singleButton;
     std::int32_t m_com1 = 0;
     std::int32_t m_com2 = 0;
@@ -46,8 +46,6 @@ public:
 protected:
     void DoDataExchange(korv::ui::CDataExchange* pDX) override;
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 
 private:

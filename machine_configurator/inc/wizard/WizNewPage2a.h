@@ -7,6 +7,7 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +26,7 @@ struct MachineListSnapshot {
 };
 extern MachineListSnapshot g_machineListSnapshot;
 
-class CWizNewPage2a : public korv::ui::CDialog {
+class CWizNewPage2a : public CWizardPage {
 public:
     static constexpr int IDD = 154;
     static constexpr int IDC_CAPTION = 1062;
@@ -58,7 +59,6 @@ public:
     // Item 0 of the right list; empty if none is chosen.
     std::string GetChosenMachine() const;
 
-    CWizardDlg* m_pWizard;
     std::int32_t m_capacity = 1;
     korv::ui::CListBox m_chosen;
     korv::ui::CListBox m_offered;
@@ -71,8 +71,6 @@ public:
 protected:
     void DoDataExchange(korv::ui::CDataExchange* pDX) override;
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 
 private:

@@ -4,13 +4,14 @@
 
 #include "data_sheets.h"
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <string>
 #include <vector>
 
 class CWizardDlg;
 
-class CWizNewPage3 : public korv::ui::CDialog {
+class CWizNewPage3 : public CWizardPage {
 public:
     static constexpr int IDD = 132;
     static constexpr int kPageIndex = 3;
@@ -24,15 +25,12 @@ public:
     // Whether the table chosen at the last visit is a CNC table.
     bool IsCncTable() const;
 
-    CWizardDlg* m_pWizard;
     std::string m_lastTable;
     std::vector<const TableDataSheet*> m_tables;
     korv::ui::CComboBox m_tableCombo;
 
 protected:
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
     void OnShowWindow(bool bShow, unsigned nStatus) override;
 
 private:

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <string>
 #include <vector>
 
 class CWizardDlg;
 
-class CWizNewPage4 : public korv::ui::CDialog {
+class CWizNewPage4 : public CWizardPage {
 public:
     static constexpr int IDD = 151;
     static constexpr int IDC_OFFERED = 1023;
@@ -26,7 +27,6 @@ public:
     // added stands for "no stand".
     void AddStandName(const std::string& name);
 
-    CWizardDlg* m_pWizard;
     korv::ui::CListBox m_chosen;
     korv::ui::CListBox m_offered;
     korv::ui::CBitmapButton m_deleteButton;
@@ -37,8 +37,6 @@ public:
 
 protected:
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
 
 private:
     void OnAdd();

@@ -3,12 +3,13 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <string>
 
 class CWizardDlg;
 
-class CWizNewPageLast : public korv::ui::CDialog {
+class CWizNewPageLast : public CWizardPage {
 public:
     static constexpr int IDD = 152;
     static constexpr int IDC_SUMMARY = 1009;
@@ -22,6 +23,4 @@ public:
 protected:
     void DoDataExchange(korv::ui::CDataExchange* pDX) override;
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
 };

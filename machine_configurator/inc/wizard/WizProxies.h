@@ -2,13 +2,14 @@
 #pragma once
 
 #include "ui_framework.h"
+#include "wizard/WizardPage.h"
 
 #include <string>
 #include <vector>
 
 class CWizardDlg;
 
-class CWizProxies : public korv::ui::CDialog {
+class CWizProxies : public CWizardPage {
 public:
     static constexpr int IDD = 170;
     static constexpr int IDC_PROXIES = 1067;
@@ -18,14 +19,11 @@ public:
     // The value at the selected index; empty for an index outside the list.
     std::string GetProxyName() const;
 
-    CWizardDlg* m_pWizard;
     std::vector<std::string> m_proxyValues;
     korv::ui::CComboBox* m_pProxyBox = nullptr;
 
 protected:
     bool OnInitDialog() override;
-    void OnOK() override {}
-    void OnCancel() override {}
 
 private:
     korv::ui::CComboBox m_proxyBox;

@@ -5,7 +5,7 @@
 #include "wizard/WizNewPage2.h"
 #include "wizard/WizardDlg.h"
 
-CWizDriveUnits::CWizDriveUnits(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {
+CWizDriveUnits::CWizDriveUnits(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {
     for (const InterfaceRowIds& ids : kRowIds)
         MapCommand(korv::ui::CBN_SELCHANGE, ids.combo, [this] { UpdateButtons(); });
 }

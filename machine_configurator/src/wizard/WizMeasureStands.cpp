@@ -21,8 +21,7 @@ bool Contains(const std::string& text, const char* part) {
 
 } // namespace
 
-CWizMeasureStands::CWizMeasureStands(CWizardDlg* pWizard)
-    : CDialog(IDD, pWizard), m_pWizard(pWizard) {}
+CWizMeasureStands::CWizMeasureStands(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {}
 
 bool CWizMeasureStands::OnInitDialog() {
     CDialog::OnInitDialog();

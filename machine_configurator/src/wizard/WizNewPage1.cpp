@@ -38,7 +38,7 @@ const GroupKey* FindGroupKey(const std::string& key) {
 
 } // namespace
 
-CWizNewPage1::CWizNewPage1(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {
+CWizNewPage1::CWizNewPage1(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {
     for (int id : kGroupButtons)
         MapCommand(korv::ui::BN_CLICKED, id, [this] { UpdateData(true); });
 }

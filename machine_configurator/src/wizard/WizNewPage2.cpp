@@ -5,7 +5,7 @@
 
 std::int32_t g_interfaceMode = 0;
 
-CWizNewPage2::CWizNewPage2(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {
+CWizNewPage2::CWizNewPage2(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {
     for (int id : {IDC_COM1, IDC_COM2, IDC_SINGLE, IDC_SWITCH})
         MapCommand(korv::ui::BN_CLICKED, id, [this] { OnInterfaceClicked(); });
 }

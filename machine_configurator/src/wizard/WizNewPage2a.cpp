@@ -57,7 +57,7 @@ std::string ListText(const korv::ui::CListBox& list, int index) {
 } // namespace
 
 CWizNewPage2a::CWizNewPage2a(CWizardDlg* pWizard, const std::string& groupKey)
-    : CDialog(IDD, pWizard), m_pWizard(pWizard), m_groupKey(groupKey) {
+    : CWizardPage(IDD, pWizard), m_groupKey(groupKey) {
     using korv::ui::BN_CLICKED;
     MapCommand(BN_CLICKED, IDC_ADD, [this] { AddMachine(); });
     MapCommand(korv::ui::LBN_DBLCLK, IDC_OFFERED, [this] { AddMachine(); });

@@ -6,7 +6,7 @@
 #include "wizard/WizNewPage2.h"
 #include "wizard/WizardDlg.h"
 
-CWizNewPage3::CWizNewPage3(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {}
+CWizNewPage3::CWizNewPage3(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {}
 
 bool CWizNewPage3::OnInitDialog() {
     CDialog::OnInitDialog();

@@ -5,7 +5,7 @@
 
 using korv::ui::BN_CLICKED;
 
-CWizNewPage4::CWizNewPage4(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {
+CWizNewPage4::CWizNewPage4(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {
     MapCommand(BN_CLICKED, IDC_ADD, [this] { OnAdd(); });
     MapCommand(korv::ui::LBN_DBLCLK, IDC_OFFERED, [this] { OnAdd(); });
     MapCommand(BN_CLICKED, IDC_DELETE, [this] { OnDelete(); });

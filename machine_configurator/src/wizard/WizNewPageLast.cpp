@@ -4,7 +4,7 @@
 
 using namespace korv::ui;
 
-CWizNewPageLast::CWizNewPageLast(CWizardDlg* pWizard) : CDialog(IDD, pWizard) {}
+CWizNewPageLast::CWizNewPageLast(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {}
 
 void CWizNewPageLast::DoDataExchange(CDataExchange* pDX) {
     CDialog::DoDataExchange(pDX);

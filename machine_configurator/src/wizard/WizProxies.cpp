@@ -27,7 +27,7 @@ constexpr std::array<ProxyEntry, 9> kProxies{{
 
 } // namespace
 
-CWizProxies::CWizProxies(CWizardDlg* pWizard) : CDialog(IDD, pWizard), m_pWizard(pWizard) {}
+CWizProxies::CWizProxies(CWizardDlg* pWizard) : CWizardPage(IDD, pWizard) {}
 
 bool CWizProxies::OnInitDialog() {
     CDialog::OnInitDialog();
