@@ -4,7 +4,7 @@
 // from the smallest size to each larger one (1.0 is linear).
 //
 //   catalogue_bench [--reps N] [--keep] [sizes...]      default sizes 1000 10000
-#include "data_sheets.h"
+#include "catalogue/data_sheets.h"
 
 #include "kplatform_paths.h"
 

@@ -1,4 +1,4 @@
-#include "RigCfg.h"
+#include "application/RigCfg.h"
 
 int main(int argc, char** argv) {
     CMidSpanCfgApp app;

@@ -2,9 +2,9 @@
 // that records message boxes instead of showing them.
 #pragma once
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
 #include "log_capture.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "scratch_dir.h"
 #include "ui_host.h"
 #include "ui_host_selection.h"
@@ -92,7 +92,7 @@ protected:
         std::vector<std::string> texts;
         for (const korv::diag::LogRecord& r : log.records())
             if (r.channel == korv::diag::Channel::ErrorLog &&
-                r.source_path.find("src/RigCfgDlg") != std::string::npos &&
+                r.source_path.find("/RigCfgDlg") != std::string::npos &&
                 r.source_path.find("_catalogue") == std::string::npos)
                 texts.push_back(r.text);
         return texts;

@@ -2,7 +2,7 @@
 // box port chosen on page 1.
 #pragma once
 
-#include "data_sheets.h"
+#include "catalogue/data_sheets.h"
 #include "ui_framework.h"
 #include "wizard/InterfaceRow.h"
 #include "wizard/WizardPage.h"

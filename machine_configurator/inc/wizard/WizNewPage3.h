@@ -2,7 +2,7 @@
 // drive units chosen on page 2.
 #pragma once
 
-#include "data_sheets.h"
+#include "catalogue/data_sheets.h"
 #include "ui_framework.h"
 #include "wizard/WizardPage.h"
 

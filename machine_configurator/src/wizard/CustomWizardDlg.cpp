@@ -1,7 +1,7 @@
 #include "wizard/CustomWizardDlg.h"
 
-#include "RigCfg.h"
-#include "RigCfgDlg.h"
+#include "application/RigCfg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizNewPage1.h"
 #include "wizard/WizNewPage2a.h"
 #include "wizard/wizard_routing.h"

@@ -1,7 +1,7 @@
 // The summary of a wizard run and the result strings, built side by side so
 // that one can be read off the other.
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/CustomWizardDlg.h"
 #include "wizard/WizDriveUnits.h"
 #include "wizard/WizMeasureStands.h"

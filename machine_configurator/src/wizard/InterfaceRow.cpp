@@ -1,7 +1,7 @@
 #include "wizard/InterfaceRow.h"
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 
 bool InterfaceRow::Bind(korv::ui::CDialog* page, int labelId, int comboId) {
     const bool bound =

@@ -1,7 +1,7 @@
 #include "wizard/WizDriveUnits.h"
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizNewPage2.h"
 #include "wizard/WizardDlg.h"
 

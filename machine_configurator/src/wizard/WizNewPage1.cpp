@@ -1,6 +1,6 @@
 #include "wizard/WizNewPage1.h"
 
-#include "RigCfgDlg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizardDlg.h"
 
 #include <array>

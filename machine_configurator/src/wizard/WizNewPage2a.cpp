@@ -1,7 +1,7 @@
 #include "wizard/WizNewPage2a.h"
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizNewPage2b.h"
 #include "wizard/WizardDlg.h"
 #include "wizard/port_units.h"

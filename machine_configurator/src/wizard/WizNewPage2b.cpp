@@ -1,6 +1,6 @@
 #include "wizard/WizNewPage2b.h"
 
-#include "RigCfgDlg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/port_units.h"
 
 CWizNewPage2b::CWizNewPage2b() : CDialog(IDD) {

@@ -1,7 +1,7 @@
 #include "wizard/WizNewPage3.h"
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizDriveUnits.h"
 #include "wizard/WizNewPage2.h"
 #include "wizard/WizardDlg.h"

@@ -1,6 +1,6 @@
 #include "wizard/WizNewPage4.h"
 
-#include "RigCfgDlg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizardDlg.h"
 
 using korv::ui::BN_CLICKED;

@@ -1,7 +1,7 @@
 #include "wizard/WizNewPageForm2.h"
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizNewPage2a.h"
 #include "wizard/WizardDlg.h"
 

@@ -1,6 +1,6 @@
 #include "wizard/WizProxies.h"
 
-#include "RigCfgDlg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizardDlg.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 #include "wizard/WizardDlg.h"
 
-#include "RigCfg.h"
-#include "RigCfgDlg.h"
+#include "application/RigCfg.h"
 #include "errtrace.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/WizNewPage1.h"
 #include "wizard/WizNewPage2.h"
 #include "wizard/WizNewPage2a.h"

@@ -1,6 +1,6 @@
 #include "wizard/WizardPageList.h"
 
-#include "RigCfgDlg.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "wizard/CustomWizardDlg.h"
 #include "wizard/WizDriveUnits.h"
 #include "wizard/WizMeasureStands.h"

@@ -1,4 +1,4 @@
-#include "RigCfg.h"
+#include "application/RigCfg.h"
 #include "wizard/wizard_fixture.h"
 
 namespace {

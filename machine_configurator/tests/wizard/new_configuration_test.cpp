@@ -1,10 +1,10 @@
 // The New button end to end in-process: the main dialog and the wizard over a
 // scratch copy of the example installation, driven by a headless script; what
 // the members, the history and the files hold afterwards.
-#include "CfgHistory.h"
-#include "RigCfg.h"
-#include "RigCfgDlg.h"
+#include "application/RigCfg.h"
 #include "log_capture.h"
+#include "main_dialog/CfgHistory.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "scratch_dir.h"
 #include "source_tree.h"
 

@@ -2,10 +2,10 @@
 // host that plays a test body in its modal run. Translations are the keys.
 #pragma once
 
-#include "RigCfgDlg.h"
 #include "errtrace.h"
 #include "ktranslate.h"
 #include "log_capture.h"
+#include "main_dialog/RigCfgDlg.h"
 #include "scratch_dir.h"
 #include "ui_host.h"
 #include "ui_host_selection.h"
