@@ -38,9 +38,11 @@ protected:
     int Run(std::initializer_list<std::string> args, const std::string& script = {}) {
         fs::remove_all(m_dir / "log");
         fs::create_directories(m_dir / "log");
-        std::string command = "cd " + Quote(m_dir.path()) +
-                              " && env KORV_ROOT=" + Quote(m_dir / "root") +
-                              " KORV_LOG_DIR=" + Quote(m_dir / "log") + " KORV_TRACE=RigCfg=5";
+        // No display: without a script, no host can show a dialog.
+        std::string command =
+            "cd " + Quote(m_dir.path()) +
+            " && env -u DISPLAY -u WAYLAND_DISPLAY KORV_ROOT=" + Quote(m_dir / "root") +
+            " KORV_LOG_DIR=" + Quote(m_dir / "log") + " KORV_TRACE=RigCfg=5";
         if (!script.empty()) {
             m_dir.write("script.txt", script);
             command += " KORV_UI_SCRIPT=" + Quote(m_dir / "script.txt") +
@@ -51,6 +53,7 @@ protected:
         command += " " + Quote(RIGCFG_EXE);
         for (const std::string& arg : args)
             command += " " + Quote(arg);
+        command += " >stdout.txt 2>stderr.txt";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1000;
     }
@@ -63,8 +66,39 @@ protected:
         return all;
     }
 
+    // Every file below the installation with its size and time of change.
+    std::string Listing() const {
+        std::string all;
+        for (const auto& entry : fs::recursive_directory_iterator(m_dir / "root"))
+            all += entry.path().string() + " " +
+                   std::to_string(entry.last_write_time().time_since_epoch().count()) + " " +
+                   (entry.is_regular_file() ? std::to_string(entry.file_size()) : "-") + "\n";
+        return all;
+    }
+
     ScratchDir m_dir;
 };
+
+TEST_F(RigCfgRun, HelpAndVersionAnswerAndTouchNothing) {
+    const std::string before = Listing();
+    for (const char* ask : {"--help", "-h", "/?"}) {
+        EXPECT_EQ(Run({"productgroup=FORM", ask}), 0) << ask;
+        const std::string help = m_dir.read("stdout.txt");
+        for (const char* line :
+             {"  alias_variant=NAME", "  -5  the cwd= folder does not exist", "  KORV_LOG_DIR "})
+            EXPECT_NE(help.find(line), std::string::npos) << ask << help;
+    }
+    // It wins over a silent copy, which would change the loader file.
+    EXPECT_EQ(Run({"file=VD_140.ini", "variant=6140001", "--version"}), 0);
+    EXPECT_EQ(m_dir.read("stdout.txt"), "Midspan Plugin 6.05-0\n");
+    EXPECT_TRUE(fs::is_empty(m_dir / "log"));
+    EXPECT_EQ(Listing(), before);
+}
+
+TEST_F(RigCfgRun, TheDialogOnTheExampleInstallationLogsNoError) {
+    EXPECT_EQ(Run({}, "click 2\n"), 2);
+    EXPECT_EQ(Log().find("ERR"), std::string::npos) << Log();
+}
 
 // Sets every value of `key` in the machine file to `value`.
 void SetEveryValue(std::string& machine, const std::string& key, const std::string& value) {
@@ -169,6 +203,15 @@ TEST_F(RigCfgRun, NewModeSavesWhatTheWizardMadeIntoTheMachineFile) {
     // At the interfaces of "SURFACE": COM1, VD 120, the first table and stand, Finish.
     const std::string script = "check 1026\nclick 1\nselect 1090 \"VD 120\"\n"
                                "click 1\nclick 1\nclick 1\nclick 1\n";
+    // A variant the file does not have: the run ends as saved, yet stored nowhere, and says so.
+    ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120999"}, script), 1) << Log();
+    EXPECT_NE(Log().find("VD_120_new.ini has no variant \"6120999\", the configuration is "
+                         "stored nowhere"),
+              std::string::npos)
+        << Log();
+
+    m_dir.write(kMachines + "VD_120_new.ini", before);
+
     ASSERT_EQ(Run({"file=VD_120_new.ini", "variant=6120001"}, script), 1) << Log();
     const std::string loader = m_dir.read(kMidspan + "sp_load.ini");
     EXPECT_NE(loader.find("active_section=DRIVEUNIT[VD 120:COM1],TABLE[Y-Table 100],"

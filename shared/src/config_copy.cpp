@@ -76,6 +76,12 @@ bool Configs::SaveConfigurationToMachineConfigFile(std::int64_t /*machine_index*
                                                    const std::string& variant) {
     KTRACE(5, "SaveConfigurationToMachineConfigFile(): start");
     const int index = variant_index(entry, variant);
+    // The writer keeps the entry's own configuration only in a file without
+    // variants: say so rather than lose the configuration in silence.
+    if (index < 0 && !entry.variants.empty())
+        KERRLOG("SaveConfigurationToMachineConfigFile(): %s has no variant \"%s\", the "
+                "configuration is stored nowhere",
+                entry.file_name.c_str(), variant.c_str());
     std::string& target = index < 0 ? entry.target : entry.variants[index].target;
     std::string& config = index < 0 ? entry.config : entry.variants[index].config;
     entry.configure.mode = "copy";
