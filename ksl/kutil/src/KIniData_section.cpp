@@ -1,17 +1,21 @@
 // Entries and sections of the ini container.
 #include "KIniData_template_core.h"
 
+#include "KIniData_text.h"
+
 #include "errtrace.h"
 
-#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <new>
 
 namespace korv {
+
+using kini_detail::first_non_blank;
+using kini_detail::out_of_memory_text;
+using kini_detail::to_text;
 
 namespace {
 
@@ -19,10 +23,6 @@ namespace {
 const char* value_start(const KIniDataEntry& entry) {
     return entry.line.c_str() +
            (entry.value_pos < entry.line.size() ? entry.value_pos : entry.line.size());
-}
-
-std::string to_text(std::string_view view) {
-    return std::string(view);
 }
 
 } // namespace
@@ -164,7 +164,7 @@ KIniDataEntry* KIniDataSectionT<Compare>::add_new_entry(std::string_view name,
         return entry.release();
     } catch (const std::bad_alloc&) {
         KERRTRACE("KIniDataSectionT::add_new_entry(): new KIniDataEntry() failed: %.50s",
-                  std::strerror(ENOMEM));
+                  out_of_memory_text());
         return nullptr;
     }
 }
@@ -172,9 +172,7 @@ KIniDataEntry* KIniDataSectionT<Compare>::add_new_entry(std::string_view name,
 template <class Compare>
 bool KIniDataSectionT<Compare>::set_entry_text(const char* caller, std::string_view name,
                                                std::string_view text) {
-    std::size_t first = 0;
-    while (first < name.size() && kini_is_blank(name[first]))
-        ++first;
+    const std::size_t first = first_non_blank(name);
     // Written out, a comment name would come back as a comment line.
     if (first < name.size() && is_comment_char(name[first])) {
         KERRTRACE("%s(): cannot add comment as an entry: \"%s=%s\"", caller, to_text(name).c_str(),
@@ -192,7 +190,7 @@ bool KIniDataSectionT<Compare>::set_entry_text(const char* caller, std::string_v
         try {
             entry->SetValue(text);
         } catch (const std::bad_alloc&) {
-            KERRTRACE("%s(): SetValue() failed: %.50s", caller, std::strerror(ENOMEM));
+            KERRTRACE("%s(): SetValue() failed: %.50s", caller, out_of_memory_text());
             return false;
         }
         return true;
