@@ -19,14 +19,6 @@ std::vector<std::string> texts(const ControlState& c) {
 
 } // namespace
 
-TEST(ControlState, StartsFromItsTemplate) {
-    const ControlState c = make(ControlKind::Edit, style::hidden | style::disabled);
-    EXPECT_EQ(c.text, "caption");
-    EXPECT_FALSE(c.visible);
-    EXPECT_FALSE(c.enabled);
-    EXPECT_EQ(c.rect, (CRect{1, 2, 31, 42}));
-}
-
 TEST(ControlState, SortedAddIgnoresCaseAndPutsEqualTextsAfterTheOld) {
     ControlState list = make(ControlKind::ListBox, style::sorted);
     EXPECT_EQ(list.add_string("cherry"), 0);
@@ -36,10 +28,6 @@ TEST(ControlState, SortedAddIgnoresCaseAndPutsEqualTextsAfterTheOld) {
     EXPECT_EQ(list.add_string("apple2"), 1);
     EXPECT_EQ(texts(list),
               (std::vector<std::string>{"Apple", "apple2", "banana", "BANANA", "cherry"}));
-
-    ControlState plain = make(ControlKind::ComboBox);
-    plain.add_string("b");
-    EXPECT_EQ(plain.add_string("a"), 1) << "an unsorted control appends";
 }
 
 TEST(ControlState, SelectionFollowsItsItemThroughInsertAndDelete) {
@@ -59,10 +47,10 @@ TEST(ControlState, SelectionFollowsItsItemThroughInsertAndDelete) {
     EXPECT_EQ(texts(list), (std::vector<std::string>{"a", "c", "end"}));
 }
 
-TEST(ControlState, SetCurSelErrorsAndReset) {
+TEST(ControlState, IndexesOutsideTheListAnswerErrAndChangeNothing) {
     ControlState combo = make(ControlKind::ComboBox);
     combo.add_string("x");
-    EXPECT_EQ(combo.set_cur_sel(0), 0);
+    combo.set_cur_sel(0);
     EXPECT_EQ(combo.set_cur_sel(1), CB_ERR);
     EXPECT_EQ(combo.selection, 0) << "an index outside the list keeps the selection";
     EXPECT_EQ(combo.set_cur_sel(-1), CB_ERR);
@@ -71,6 +59,18 @@ TEST(ControlState, SetCurSelErrorsAndReset) {
     combo.reset_content();
     EXPECT_EQ(combo.item_count(), 0);
     EXPECT_EQ(combo.selection, -1);
+
+    ControlState list = make(ControlKind::ListBox);
+    list.add_string("a");
+    EXPECT_EQ(list.set_item_data(0, 77), 0);
+    EXPECT_EQ(list.get_item_data(0), 77u);
+    EXPECT_EQ(list.set_item_data(1, 5), LB_ERR);
+    EXPECT_EQ(list.get_item_data(-1), static_cast<DWORD_PTR>(LB_ERR));
+    std::string text = "old";
+    EXPECT_EQ(list.get_text(3, text), LB_ERR);
+    EXPECT_EQ(text, "old");
+    EXPECT_EQ(list.get_text(0, text), 1);
+    EXPECT_EQ(text, "a");
 }
 
 TEST(ControlState, FindSearchesAfterTheStartAndGoesRound) {
@@ -85,20 +85,6 @@ TEST(ControlState, FindSearchesAfterTheStartAndGoesRound) {
     EXPECT_EQ(list.find_string_exact(-1, "PORT2"), 1);
     EXPECT_EQ(list.find_string_exact(-1, "Port"), LB_ERR) << "a prefix is no exact match";
     EXPECT_EQ(list.find_string_exact(1, "port2"), 1) << "the start item is searched last";
-}
-
-TEST(ControlState, ItemDataAndText) {
-    ControlState list = make(ControlKind::ListBox);
-    list.add_string("a");
-    EXPECT_EQ(list.set_item_data(0, 77), 0);
-    EXPECT_EQ(list.get_item_data(0), 77u);
-    EXPECT_EQ(list.set_item_data(1, 5), LB_ERR);
-    EXPECT_EQ(list.get_item_data(-1), static_cast<DWORD_PTR>(LB_ERR));
-    std::string text = "old";
-    EXPECT_EQ(list.get_text(3, text), LB_ERR);
-    EXPECT_EQ(text, "old");
-    EXPECT_EQ(list.get_text(0, text), 1);
-    EXPECT_EQ(text, "a");
 }
 
 TEST(ControlState, ComboTextIsTheSelectedItemAndOthersHaveNoItems) {

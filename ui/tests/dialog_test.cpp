@@ -61,9 +61,17 @@ TEST_F(DialogTest, WithoutAWindowEverythingAnswersNothingAndNothingCrashes) {
     EXPECT_EQ(text, "");
     dialog.SetDlgItemText(kName, "ignored");
     EXPECT_EQ(dialog.UserClick(IDOK), InputResult::NoSuchControl);
+    // No host is chosen until a dialog or a box must be shown.
+    EXPECT_EQ(loaded_host(), nullptr);
+    EXPECT_TRUE(host_unavailable_reason().empty());
 }
 
-TEST_F(DialogTest, ModalRunGivesTheResultAndTheControlsLiveOnlyMeanwhile) {
+TEST_F(DialogTest, ModalRunGivesTheResultAndRefusesAMissingTemplateOrASecondRun) {
+    LogCapture log;
+    CDialog unknown(4242);
+    EXPECT_EQ(run(unknown, nullptr), -1);
+    EXPECT_TRUE(log.has_error("DoModal(): no dialog template 4242"));
+
     SampleDlg dialog;
     CallbackHost* host = nullptr;
     const int result = run(
@@ -72,26 +80,15 @@ TEST_F(DialogTest, ModalRunGivesTheResultAndTheControlsLiveOnlyMeanwhile) {
             EXPECT_NE(d.GetDlgItem(kName), nullptr);
             EXPECT_EQ(d.GetDlgItem(IDC_STATIC), nullptr) << "IDC_STATIC names no control";
             EXPECT_EQ(d.GetDlgItem(4711), nullptr);
+            EXPECT_EQ(d.DoModal(), -1);
             d.EndDialog(IDYES);
         },
         &host);
     EXPECT_EQ(result, IDYES);
+    EXPECT_TRUE(log.has_error("DoModal(): dialog 500 runs already"));
     EXPECT_EQ(host->calls, (std::vector<std::string>{"opened 500", "ended 500 6"}));
     EXPECT_FALSE(dialog.has_window());
     EXPECT_EQ(dialog.GetDlgItem(kName), nullptr);
-}
-
-TEST_F(DialogTest, MissingTemplateAndSecondRunFail) {
-    LogCapture log;
-    CDialog unknown(4242);
-    EXPECT_EQ(run(unknown, nullptr), -1);
-    EXPECT_TRUE(log.has_error("DoModal(): no dialog template 4242"));
-
-    SampleDlg dialog;
-    int inner = 0;
-    run(dialog, [&](CDialog& d) { inner = d.DoModal(); });
-    EXPECT_EQ(inner, -1);
-    EXPECT_TRUE(log.has_error("DoModal(): dialog 500 runs already"));
 }
 
 TEST_F(DialogTest, InitDialogPushesMembersTranslatesAndFillsControls) {
@@ -123,16 +120,20 @@ TEST_F(DialogTest, InitDialogPushesMembersTranslatesAndFillsControls) {
     Translate_init("", dir.path(), "en", "sample");
 }
 
-TEST_F(DialogTest, ExchangePullsControlsIntoMembers) {
+// The user's pick unchecks the rest of its group; the code's range takes every button in it.
+TEST_F(DialogTest, RadioButtonsByTheUserAndByTheCode) {
     SampleDlg dialog;
     run(dialog, [&](CDialog& d) {
-        d.SetDlgItemText(kName, "Bob");
-        d.CheckDlgButton(kOption, BST_CHECKED);
-        d.CheckRadioButton(kFirst, kThird, kSecond);
+        d.CheckDlgButton(kMiddleCheck, BST_CHECKED);
+        EXPECT_EQ(d.UserCheck(kFirst, true), InputResult::Done);
+        EXPECT_EQ(d.IsDlgButtonChecked(kSecond), BST_UNCHECKED);
+        EXPECT_EQ(d.IsDlgButtonChecked(kMiddleCheck), BST_CHECKED) << "a check box joins no group";
+        EXPECT_EQ(d.UserCheck(kMiddleCheck, false), InputResult::Done);
+        EXPECT_EQ(d.IsDlgButtonChecked(kMiddleCheck), BST_UNCHECKED);
+        d.CheckRadioButton(kFirst, kThird, kThird);
+        EXPECT_EQ(d.GetCheckedRadioButton(kFirst, kThird), kThird);
         ASSERT_TRUE(d.UpdateData(true));
-        EXPECT_EQ(dialog.m_name, "Bob");
-        EXPECT_EQ(dialog.m_option, 1);
-        EXPECT_EQ(dialog.m_choice, 1);
+        EXPECT_EQ(dialog.m_choice, 2) << "the check box is no member";
         d.CheckRadioButton(kFirst, kThird, 0);
         d.UpdateData(true);
         EXPECT_EQ(dialog.m_choice, -1) << "no radio button checked";
@@ -140,52 +141,47 @@ TEST_F(DialogTest, ExchangePullsControlsIntoMembers) {
     });
 }
 
+// A helper that fails, or the dialog's own refusal, stops the exchange there.
 class BrokenExchange : public CDialog {
 public:
     std::string first = "a";
     std::string last = "b";
-    bool refuse = false;
-    BrokenExchange() : CDialog(kPlainDialog) {}
+    int fault = 0; // a missing control, a radio group that starts elsewhere, a refusal
+    BrokenExchange() : CDialog(kSampleDialog) {}
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override {
-        DDX_Text(pDX, IDOK, first);
-        if (refuse)
-            pDX->Fail();
-        else
+        DDX_Text(pDX, kName, first);
+        int choice = 0;
+        if (fault == 0)
             DDX_Text(pDX, 999, first);
-        DDX_Text(pDX, IDCANCEL, last);
+        else if (fault == 1)
+            DDX_Radio(pDX, kSecond, choice);
+        else
+            pDX->Fail();
+        DDX_Text(pDX, kFixedText, last);
     }
 };
 
 TEST_F(DialogTest, AFailedExchangeStopsAtTheFailureAndAnswersFalse) {
-    LogCapture log;
+    const char* const errors[] = {"DDX_Text(): dialog 500 has no control 999",
+                                  "DDX_Radio(): control 513 of dialog 500 starts no radio group"};
     BrokenExchange dialog;
     run(dialog, [&](CDialog& d) {
-        d.SetDlgItemText(IDOK, "A");
-        d.SetDlgItemText(IDCANCEL, "B");
-        EXPECT_FALSE(d.UpdateData(true));
-        EXPECT_EQ(dialog.first, "A");
-        EXPECT_EQ(dialog.last, "b") << "helpers after the failure do nothing";
-        EXPECT_TRUE(log.has_error("DDX_Text(): dialog 700 has no control 999"));
-        dialog.refuse = true;
-        log.clear();
-        EXPECT_FALSE(d.UpdateData(true));
-        EXPECT_TRUE(log.errors().empty()) << "a refusal of the dialog's own is no error";
+        for (int fault : {0, 1, 2}) {
+            LogCapture log;
+            dialog.fault = fault;
+            d.SetDlgItemText(kName, "A" + std::to_string(fault));
+            d.SetDlgItemText(kFixedText, "B");
+            EXPECT_FALSE(d.UpdateData(true)) << fault;
+            EXPECT_EQ(dialog.first, "A" + std::to_string(fault));
+            EXPECT_EQ(dialog.last, "b") << "helpers after the failure do nothing";
+            if (fault < 2)
+                EXPECT_TRUE(log.has_error(errors[fault])) << fault;
+            else
+                EXPECT_TRUE(log.errors().empty()) << "a refusal of the dialog's own is no error";
+        }
     });
-}
-
-TEST_F(DialogTest, RadioExchangeNeedsTheStartOfAGroup) {
-    class WrongRadio : public CDialog {
-    public:
-        int value = 0;
-        WrongRadio() : CDialog(kSampleDialog) {}
-        void DoDataExchange(CDataExchange* pDX) override { DDX_Radio(pDX, kSecond, value); }
-    };
-    LogCapture log;
-    WrongRadio dialog;
-    run(dialog, [](CDialog& d) { EXPECT_FALSE(d.UpdateData(true)); });
-    EXPECT_TRUE(log.has_error("DDX_Radio(): control 513 of dialog 500 starts no radio group"));
 }
 
 TEST_F(DialogTest, ChildDialogsSitInTheirPlaceholderAndHearShowAndHide) {
@@ -218,26 +214,6 @@ TEST_F(DialogTest, ChildDialogsSitInTheirPlaceholderAndHearShowAndHide) {
     EXPECT_EQ(pages.page1.shows, (std::vector<std::string>{"show", "hide", "show"}));
     EXPECT_EQ(pages.page2.shows, (std::vector<std::string>{"show", "hide"}));
     EXPECT_FALSE(pages.page2.has_window()) << "children go with their parent";
-}
-
-// What each refusal looks like in a script run is in headless_host_test; here the
-// states that change while the dialog runs.
-TEST_F(DialogTest, UserInputObeysStateAndKind) {
-    SampleDlg dialog;
-    run(dialog, [&](CDialog& d) {
-        EXPECT_EQ(d.UserClick(kOption), InputResult::Done);
-        EXPECT_EQ(d.UserCheck(kOption, true), InputResult::Unchanged);
-        EXPECT_EQ(d.UserCheck(kOption, false), InputResult::Done);
-        EXPECT_EQ(d.UserCheck(kFirst, true), InputResult::Done);
-        EXPECT_EQ(d.UserCheck(kFirst, false), InputResult::NotApplicable);
-        EXPECT_EQ(d.IsDlgButtonChecked(kSecond), BST_UNCHECKED) << "the group is unchecked";
-        EXPECT_EQ(d.IsDlgButtonChecked(kMiddleCheck), BST_UNCHECKED);
-        d.GetDlgItem(kNumbers)->EnableWindow(false);
-        EXPECT_EQ(d.UserSelect(kNumbers, 0), InputResult::Disabled);
-        d.GetDlgItem(kFruits)->ShowWindow(SW_HIDE);
-        EXPECT_EQ(d.UserSelect(kFruits, 0), InputResult::Hidden);
-    });
-    EXPECT_EQ(dialog.notes, (std::vector<std::string>{"option 1", "option 0"}));
 }
 
 TEST_F(DialogTest, HostsHearOfEveryChange) {

@@ -20,15 +20,6 @@ protected:
     void TearDown() override { reset_host_selection(); }
 };
 
-TEST_F(HostSelection, NothingIsChosenUntilADialogOrBoxMustBeShown) {
-    ScopedEnv no_script("KORV_UI_SCRIPT", "");
-    SampleDlg dialog;
-    EXPECT_FALSE(dialog.UpdateData(false));
-    dialog.m_fruits.AddString("x");
-    EXPECT_EQ(loaded_host(), nullptr);
-    EXPECT_TRUE(host_unavailable_reason().empty()) << "no choice was made yet";
-}
-
 TEST_F(HostSelection, WithoutScriptOrModuleDialogsAndBoxesFailWithAReason) {
     ScopedEnv no_script("KORV_UI_SCRIPT", "");
     LogCapture log;

@@ -64,10 +64,7 @@ void register_templates() {
 }
 
 Page::Page() {
-    MapCommand(BN_CLICKED, kNested, [this] {
-        PlainDlg plain(this);
-        m_nestedResult = plain.DoModal();
-    });
+    MapCommand(BN_CLICKED, kNested, [this] { PlainDlg(this).DoModal(); });
 }
 
 void Page::DoDataExchange(CDataExchange* pDX) {

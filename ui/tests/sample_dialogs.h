@@ -38,7 +38,6 @@ public:
     std::vector<std::string> shows; // "show" and "hide", as told
     int m_check = 0;
     std::string m_text;
-    int m_nestedResult = 0;
 
     Page();
 
@@ -94,9 +93,6 @@ private:
 class CallbackHost : public Host {
 public:
     std::function<void(CDialog&)> body;
-    std::function<int(const std::string&, unsigned)> box = [](const std::string&, unsigned) {
-        return IDOK;
-    };
     std::vector<std::string> calls; // "opened 500", "changed 500/520", ...
     bool record_changes = false;
 
@@ -105,7 +101,7 @@ public:
     void DialogEnded(CDialog& d, int result) override {
         calls.push_back("ended " + id(d) + " " + std::to_string(result));
     }
-    int ShowMessageBox(const std::string& text, unsigned type) override { return box(text, type); }
+    int ShowMessageBox(const std::string&, unsigned) override { return IDOK; }
     void ControlChanged(const CDialog& d, int control) override {
         if (record_changes)
             calls.push_back("changed " + id(d) + "/" + std::to_string(control));
