@@ -239,12 +239,3 @@ TEST_F(FastFileReader, FailuresReachTheirChannels) {
     EXPECT_EQ(log.errors(), Lines{"KFastFileReader::IsEOF(): fill_buffer() failed"});
     EXPECT_TRUE(trace().empty());
 }
-
-TEST_F(FastFileReader, WindowsPathsWithOtherCaseOpen) {
-    korv::testing::ScratchRoot root;
-    root.write("drive_c/Data/SP_Support/Load.ini", "[General]\r\n");
-    KFastFileReader reader("c:\\DATA\\sp_SUPPORT/load.INI");
-    std::string line;
-    EXPECT_TRUE(reader.ReadLine(line));
-    EXPECT_EQ(line, "[General]");
-}

@@ -177,9 +177,6 @@ TEST_F(KIniDataEdit, BehaviourBits) {
 
     KIniData entries = loaded("[s]\na=1\n; c\nb=2\na =3\n", korv::KINI_REPLACE_ENTRIES);
     EXPECT_EQ(entries.GetContentString(), "[s]\n; c\nb=2\na =3\n");
-
-    KIniData strict;
-    EXPECT_FALSE(strict.SetContentString("[s]\n[s]\n"));
 }
 
 TEST_F(KIniDataEdit, SetContentStringKeepsEmptyLinesAndStopsAtTheFirstBadLine) {
