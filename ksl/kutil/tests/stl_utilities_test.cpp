@@ -295,17 +295,11 @@ TEST_F(StlText, Base64DecodeOfStrings) {
     std::string text("QQ==\0\0", 6);
     EXPECT_TRUE(stl_decode_base64(text));
     EXPECT_EQ(text, "A");
-    text = "QQ=A";
-    EXPECT_TRUE(stl_decode_base64(text));
-    EXPECT_EQ(text, std::string("A\0", 2));
     text = std::string("\0", 1);
     EXPECT_TRUE(stl_decode_base64(text));
     EXPECT_EQ(text, "");
     EXPECT_TRUE(take_trace().empty());
 
-    text = "QUJD\r\nQQ";
-    EXPECT_FALSE(stl_decode_base64(text));
-    EXPECT_EQ(text, "");
     text = "QQ=";
     EXPECT_FALSE(stl_decode_base64(text));
     EXPECT_EQ(text, "");
