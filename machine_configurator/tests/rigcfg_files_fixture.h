@@ -1,17 +1,22 @@
 // A data folder below a scratch KORV_ROOT, a dialog object on it, and a host
-// that records message boxes instead of showing them.
+// that records message boxes instead of showing them; or a scratch copy of the
+// example installation.
 #pragma once
 
+#include "application/RigCfg.h"
 #include "errtrace.h"
+#include "ktranslate.h"
 #include "log_capture.h"
 #include "main_dialog/RigCfgDlg.h"
 #include "scratch_dir.h"
+#include "source_tree.h"
 #include "ui_host.h"
 #include "ui_host_selection.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -27,6 +32,25 @@ struct Box {
 inline bool any_has(const std::vector<std::string>& lines, const std::string& part) {
     return std::any_of(lines.begin(), lines.end(),
                        [&](const std::string& t) { return t.find(part) != std::string::npos; });
+}
+
+// Whether `text` holds `part`; a failure shows the text.
+inline ::testing::AssertionResult contains(const std::string& text, const std::string& part) {
+    if (text.find(part) != std::string::npos)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "no \"" << part << "\" in:\n" << text;
+}
+
+inline std::string text_of(const korv::ui::CDialog& dialog, int id) {
+    std::string text;
+    dialog.GetDlgItemText(id, text);
+    return text;
+}
+
+// Sets an old modification time, so that any later write shows.
+inline void age(const std::string& path) {
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() -
+                                               std::chrono::hours(1));
 }
 
 // Answers every box with the first button and remembers it.
@@ -76,11 +100,7 @@ protected:
     std::filesystem::file_time_type mtime(const std::string& relative) const {
         return std::filesystem::last_write_time(host(relative));
     }
-    // Sets an old modification time, so that any later write shows.
-    void age(const std::string& relative) const {
-        std::filesystem::last_write_time(
-            host(relative), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
-    }
+    void age(const std::string& relative) const { rigcfg_test::age(host(relative)); }
 
     bool has_trace(const std::string& part) const { return any_has(log.traces(), part); }
     bool in_error_trace(const std::string& part) const {
@@ -101,6 +121,37 @@ protected:
     korv::testing::ScratchRoot root;
     korv::testing::LogCapture log;
     std::vector<Box> boxes;
+};
+
+// The example installation copied to a scratch KORV_ROOT; translations are the keys.
+class ExamplesTest : public ::testing::Test {
+protected:
+    static constexpr const char* kMidspan = "C:\\ProgramData\\Korv\\Midspan Plugin\\";
+    static constexpr const char* kKorECon = "C:\\ProgramData\\Korv\\KorECon\\";
+    static inline const std::string kMidspanHost = "drive_c/ProgramData/Korv/Midspan Plugin/";
+    static inline const std::string kKorEConHost = "drive_c/ProgramData/Korv/KorECon/";
+
+    void SetUp() override {
+        ASSERT_TRUE(std::filesystem::is_directory(source_tree() / "examples"));
+        std::filesystem::copy(source_tree() / "examples", root.path(),
+                              std::filesystem::copy_options::recursive);
+        Translate_init("", root / "none", "en", "RigCfg");
+        RegisterDialogResources();
+    }
+    void TearDown() override {
+        Translate_init("", root / "none", "en", "RigCfg");
+        korv::ui::reset_host_selection();
+        KErrTrace_ClearContext();
+    }
+
+    std::string file(const std::string& relative) const { return root.read(relative); }
+    static std::string example(const std::string& relative) {
+        return slurp(source_tree() / "examples" / relative);
+    }
+
+    korv::testing::ScratchRoot root;
+    korv::testing::LogCapture log;
+    std::unique_ptr<CMidSpanCfgDlg> dlg;
 };
 
 } // namespace rigcfg_test

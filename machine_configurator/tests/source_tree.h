@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 namespace rigcfg_test {
@@ -20,6 +21,12 @@ inline std::filesystem::path source_tree() {
                 return line.substr(line.find('=') + 1);
     }
     return {};
+}
+
+// The bytes of a file; empty if it cannot be read.
+inline std::string slurp(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 } // namespace rigcfg_test

@@ -3,22 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
 
+using rigcfg_test::slurp;
 using rigcfg_test::source_tree;
 
 namespace {
-
-std::string slurp(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // msgid -> msgstr of the plain one-line pairs of every catalogue part of one
 // language; a key held by two parts is reported, as the joined catalogue

@@ -2,6 +2,7 @@
 // KORV_ROOT under their Windows paths, with CR LF line ends as on disk.
 #pragma once
 
+#include "catalogue/machine_reader.h"
 #include "errtrace.h"
 #include "log_capture.h"
 #include "scratch_dir.h"
@@ -73,6 +74,14 @@ public:
         return false;
     }
 };
+
+// The keys of a machine map, in its order.
+inline std::vector<std::string> keys(const MachineTreeMap& map) {
+    std::vector<std::string> out;
+    for (const auto& entry : map)
+        out.push_back(entry.first);
+    return out;
+}
 
 inline int count_errors(const korv::testing::LogCapture& log, const std::string& part) {
     int count = 0;

@@ -1,5 +1,4 @@
 #include "catalogue/catalogue_test_files.h"
-#include "catalogue/machine_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -8,13 +7,6 @@ using namespace catalogue_test;
 namespace {
 
 const std::string kConfig = kWork + "midspan.cfg";
-
-std::vector<std::string> keys(const MachineTreeMap& map) {
-    std::vector<std::string> out;
-    for (const auto& entry : map)
-        out.push_back(entry.first);
-    return out;
-}
 
 bool read(MachineTreeMap& map) {
     return GetAllMachinesFromConfigFile(kConfig.c_str(), kWork.c_str(), map);

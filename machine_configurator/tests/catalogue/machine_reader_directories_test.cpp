@@ -1,5 +1,4 @@
 #include "catalogue/catalogue_test_files.h"
-#include "catalogue/machine_reader.h"
 
 #include "kdirtools.h"
 
@@ -16,13 +15,6 @@ std::string cwd() {
     std::string here;
     korv::dir_getwd(here);
     return here;
-}
-
-std::vector<std::string> keys(const MachineTreeMap& map) {
-    std::vector<std::string> out;
-    for (const auto& entry : map)
-        out.push_back(entry.first);
-    return out;
 }
 
 std::vector<std::string> order_numbers(const MachineTreeMap& map, const std::string& key) {

@@ -111,8 +111,7 @@ TEST_F(AppIni, WriteStoresTheRecordByteForByte) {
     dlg->m_actDriveUnit = "VD 120:COM1";
     EXPECT_FALSE(dlg->CfgIniFileMachinIni(1, nullptr));
     EXPECT_TRUE(in_error_trace("CfgIniFileMachinIni(): ConvertDrvunitStringToNewFormat()failed"));
-    EXPECT_NE(read("RigCfg.ini").find("machine=KorShaft 3\r\norder_no=1234\r\n"),
-              std::string::npos);
+    EXPECT_TRUE(contains(read("RigCfg.ini"), "machine=KorShaft 3\r\norder_no=1234\r\n"));
 }
 
 TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
@@ -126,10 +125,10 @@ TEST_F(AppIni, ConvertIniAddsTheGroupOnce) {
                                    "active_section=DRIVEUNIT[KMQ 2]\r\nactive=FORM\r\n");
     write("sp_load.ini", "[General]\r\nactive_section=DRIVEUNIT[ShapeScan]\r\n");
     dlg->ConvertIni(kApp);
-    EXPECT_NE(read("sp_load.ini").find("active=FORM"), std::string::npos);
+    EXPECT_TRUE(contains(read("sp_load.ini"), "active=FORM"));
     write("sp_load.ini", "[General]\r\nactive_section=DRIVEUNIT[kmq 2]\r\n");
     dlg->ConvertIni(kApp);
-    EXPECT_NE(read("sp_load.ini").find("active=CONTOUR/SURFACE"), std::string::npos);
+    EXPECT_TRUE(contains(read("sp_load.ini"), "active=CONTOUR/SURFACE"));
 
     write("sp_load.ini", "[General]\r\nactive = KORSIM\r\n[A]\r\n");
     age("sp_load.ini");

@@ -1,11 +1,7 @@
 #include "kplatform_profile.h"
-#include "ktranslate.h"
 #include "rigcfg_files_fixture.h"
-#include "source_tree.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 using namespace rigcfg_test;
 namespace fs = std::filesystem;
@@ -60,8 +56,8 @@ TEST_F(LoaderIni, ReadTakesTheWholeActiveSection) {
 }
 
 TEST_F(LoaderIni, MissingFileShowsTwoTranslatedSentencesAndChangesNothing) {
-    std::ifstream po(source_tree() / "machine_configurator/locale/de/config.po", std::ios::binary);
-    root.write("locale/de/RigCfg.po", std::string(std::istreambuf_iterator<char>(po), {}));
+    root.write("locale/de/RigCfg.po",
+               slurp(source_tree() / "machine_configurator/locale/de/config.po"));
     Translate_init("", root.path(), "de", "RigCfg");
     write("SP_SUPPORT/load.ini", "[x]\r\na=1\r\n");
     set_members("FORM", "U");

@@ -51,7 +51,6 @@ TEST_F(ControlFiles, SimulationReportsItsIdentity) {
               "machine_orderno=1234\r\n[korecon_ioman]\r\nusb=0\r\n");
     EXPECT_EQ(read("launcher.ini"),
               "[general]\r\nroot=korsim\r\n[korsim]\r\n3=" + std::string(kComment) + "\r\n");
-    EXPECT_EQ(read("camera/qidcamera.ini"), "[ConManPlugin]\r\ncamera_1=Virtual\r\n");
     EXPECT_TRUE(boxes.empty());
 
     // Leaving the simulation drops the identity and names the folder again.
@@ -167,23 +166,27 @@ TEST_F(ControlFiles, BadInputFilesTakeTheirPaths) {
     EXPECT_TRUE(boxes.empty());
 }
 
+// An unknown proxy falls back to korecon, and the line names korecon.
 TEST_F(ControlFiles, MachineTreeForTheProxy) {
     const struct {
-        const char *proxy, *group, *loader, *talk;
+        const char *proxy, *group, *loader, *talk, *error;
     } cases[] = {
         {"cameraproxy", "KORGEOMETRY",
          "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=m2kortalk,qidcamera\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n"},
+         "[connection]\r\nhost=192.168.111.1\r\n", nullptr},
         {"cameraproxy", "FORM",
-         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n", ""},
+         "[MachineTree]\r\nroot=cameraproxy\r\ncameraproxy=korecon,qidcamera\r\n", "", nullptr},
         {"interpolproxy", "KORSIM",
          "[MachineTree]\r\nroot=interpolproxy\r\ninterpolproxy=korecon,qidcamera\r\n",
-         "[connection]\r\nhost=192.168.111.1\r\n"},
+         "[connection]\r\nhost=192.168.111.1\r\n", nullptr},
         {"cncproxy", "FORM",
          "[MachineTree]\r\nroot=cncproxy\r\ncncproxy=korecon,m2kortalk,m2kortalk_cnctable\r\n"
          "[MachineTypes]\r\ncncproxy=proxy\r\nm2kortalk_cnctable=m2kortalk\r\n",
-         "[connection]\r\nhost=192.168.70.73\r\n"},
-        {"", "FORM", "[MachineTree]\r\nroot=korecon\r\n", ""},
+         "[connection]\r\nhost=192.168.70.73\r\n", nullptr},
+        {"", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "", nullptr},
+        {"foo", "FORM", "[MachineTree]\r\nroot=korecon\r\n", "",
+         "CMidSpanCfgDlg::UpdateMachineTree:(): unknown proxy : korecon, set to default "
+         "[MachineTree] root=korecon"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.proxy) + " " + c.group);
@@ -194,7 +197,10 @@ TEST_F(ControlFiles, MachineTreeForTheProxy) {
         ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
         EXPECT_EQ(read("mtmachineloader.ini"), c.loader);
         EXPECT_EQ(read("m2kortalk.ini"), c.talk);
-        EXPECT_TRUE(own_errors().empty());
+        EXPECT_EQ(own_errors(),
+                  c.error ? std::vector<std::string>{c.error} : std::vector<std::string>{});
+        const std::string proxy = c.error ? "korecon" : c.proxy;
+        EXPECT_EQ(dlg->m_actProxy + "|" + dlg->m_record.proxy, proxy + "|" + proxy);
     }
     EXPECT_EQ(read("m2kortalk_cnctable.ini"), "");
 
@@ -204,18 +210,6 @@ TEST_F(ControlFiles, MachineTreeForTheProxy) {
     ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
     EXPECT_EQ(read("m2kortalk_cnctable/m2kortalk.ini"),
               "[connection]\r\nhost=192.168.70.73\r\nport=7\r\n");
-}
-
-TEST_F(ControlFiles, UnknownProxyFallsBackAndTheLineNamesKorecon) {
-    configure("FORM", "M", "1", "foo");
-    dlg->m_record.proxy = "stale";
-    ASSERT_TRUE(dlg->UpdateMachineTree(kApp));
-    EXPECT_EQ(dlg->m_actProxy, "korecon");
-    EXPECT_EQ(dlg->m_record.proxy, "korecon");
-    EXPECT_EQ(read("mtmachineloader.ini"), "[MachineTree]\r\nroot=korecon\r\n");
-    EXPECT_EQ(own_errors(),
-              std::vector<std::string>{"CMidSpanCfgDlg::UpdateMachineTree:(): unknown proxy : "
-                                       "korecon, set to default [MachineTree] root=korecon"});
 }
 
 TEST_F(ControlFiles, CameraList) {

@@ -1,14 +1,10 @@
 // The main dialog run in-process over a scratch copy of the example
 // installation, with a host that lets each test act on the open dialog.
-#include "application/RigCfg.h"
 #include "rigcfg_files_fixture.h"
-#include "source_tree.h"
 
 #include "kplatform_module.h"
-#include "ktranslate.h"
 #include "kversioninfo.h"
 
-#include <algorithm>
 #include <deque>
 #include <fstream>
 #include <functional>
@@ -17,13 +13,11 @@
 namespace fs = std::filesystem;
 using namespace korv::ui;
 using rigcfg_test::Box;
+using rigcfg_test::contains;
+using rigcfg_test::text_of;
 
 namespace {
 
-constexpr const char* kMidspan = "C:\\ProgramData\\Korv\\Midspan Plugin\\";
-constexpr const char* kKorECon = "C:\\ProgramData\\Korv\\KorECon\\";
-const std::string kMidspanHost = "drive_c/ProgramData/Korv/Midspan Plugin/";
-const std::string kKorEConHost = "drive_c/ProgramData/Korv/KorECon/";
 const char* const kConfirm =
     "You are about to change the active configuration setting! Are you sure to proceed?.msg";
 
@@ -78,24 +72,16 @@ public:
     }
 };
 
-class MainDialog : public ::testing::Test {
+class MainDialog : public rigcfg_test::ExamplesTest {
 protected:
     void SetUp() override {
-        const fs::path examples = rigcfg_test::source_tree() / "examples";
-        ASSERT_TRUE(fs::is_directory(examples));
-        fs::copy(examples, root.path(), fs::copy_options::recursive);
+        ExamplesTest::SetUp();
         root.write("locale/en/RigCfg.po", kCatalogue);
         Translate_init("", root.path(), "en", "RigCfg");
-        RegisterDialogResources();
         auto owned = std::make_unique<DrivingHost>();
         host = owned.get();
         install_host(std::move(owned));
         _KTrace_SetLevel("RigCfg", 5);
-    }
-    void TearDown() override {
-        Translate_init("", root / "none", "en", "RigCfg");
-        reset_host_selection();
-        KErrTrace_ClearContext();
     }
 
     // Runs the dialog of `type` over the examples; the dialog stays for a look after.
@@ -107,23 +93,8 @@ protected:
         return dlg->DoModal();
     }
 
-    std::string file(const std::string& relative) const { return root.read(relative); }
-    void age(const std::string& relative) const {
-        fs::last_write_time(root / relative,
-                            fs::file_time_type::clock::now() - std::chrono::hours(1));
-    }
-
-    korv::testing::ScratchRoot root;
-    korv::testing::LogCapture log;
     DrivingHost* host = nullptr;
-    std::unique_ptr<CMidSpanCfgDlg> dlg;
 };
-
-std::string text_of(const CDialog& d, int id) {
-    std::string text;
-    d.GetDlgItemText(id, text);
-    return text;
-}
 
 bool visible(const CDialog& d, int id) {
     return d.find_control(id)->visible;
@@ -132,7 +103,8 @@ bool enabled(const CDialog& d, int id) {
     return d.find_control(id)->enabled;
 }
 
-TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAsk) {
+// End takes the configuration shown, reading the display form back.
+TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAskAndEndTakesIt) {
     using D = CMidSpanCfgDlg;
     const struct {
         const char* name;
@@ -156,7 +128,7 @@ TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAsk) {
         SCOPED_TRACE(c.name);
         if (!c.app_ini.empty())
             root.write(kKorEConHost + "RigCfg.ini", c.app_ini);
-        run(c.type, [&](CMidSpanCfgDlg& d) {
+        const int result = run(c.type, [&](CMidSpanCfgDlg& d) {
             EXPECT_EQ(d.window().text, "Configuration");
             EXPECT_EQ(text_of(d, D::IDC_WORKDIR),
                       c.type == ProductTypeKorECon ? kKorECon : kMidspan);
@@ -183,7 +155,11 @@ TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAsk) {
             EXPECT_FALSE(enabled(d, D::IDC_UNDO));
             EXPECT_FALSE(enabled(d, D::IDC_REDO));
             EXPECT_EQ(enabled(d, D::IDC_NEW), d.m_machineSheets != nullptr);
+            d.UserClick(D::IDC_END);
         });
+        EXPECT_EQ(result, IDOK);
+        // The middle token of the display form is never read.
+        EXPECT_EQ(dlg->m_actDriveUnit, c.unit);
     }
     EXPECT_TRUE(host->boxes.empty());
 }
@@ -216,7 +192,7 @@ TEST_F(MainDialog, UndoAndRedoAskFirstAndWriteTheLoaderFileOnlyOnYes) {
         d.RefreshHistoryButtons();
         for (const auto& step : steps) {
             SCOPED_TRACE(std::to_string(step.button) + " " + answer_name(step.answer));
-            age(loader);
+            rigcfg_test::age(root / loader);
             const auto stamp = fs::last_write_time(root / loader);
             host->answers = {step.answer};
             ASSERT_EQ(d.UserClick(step.button), InputResult::Done);
@@ -228,10 +204,10 @@ TEST_F(MainDialog, UndoAndRedoAskFirstAndWriteTheLoaderFileOnlyOnYes) {
             } else {
                 EXPECT_EQ(text_of(d, D::IDC_UNIT), step.unit);
                 // The control string stays that of the newest configuration.
-                EXPECT_NE(file(loader).find(std::string("DRIVEUNIT[") + step.unit +
-                                            "],TABLE[manual],MEASURESTAND[S 2],CONTROL[CTRL 1]"),
-                          std::string::npos);
-                EXPECT_EQ(file(load).find("TK 300"), std::string::npos); // load.ini reset
+                EXPECT_TRUE(contains(file(loader),
+                                     std::string("DRIVEUNIT[") + step.unit +
+                                         "],TABLE[manual],MEASURESTAND[S 2],CONTROL[CTRL 1]"));
+                EXPECT_FALSE(contains(file(load), "TK 300")); // load.ini reset
             }
             EXPECT_EQ(enabled(d, D::IDC_UNDO), step.undo);
             EXPECT_EQ(enabled(d, D::IDC_REDO), step.redo);
@@ -252,14 +228,12 @@ TEST_F(MainDialog, KorEConUndoWritesTheAppIniAndKeepsLabelsAndLines) {
         d.RefreshHistoryButtons();
         host->answers = {IDYES, IDYES};
         d.UserClick(D::IDC_UNDO);
-        EXPECT_NE(file(kKorEConHost + "RigCfg.ini").find("product_group=KORSHAFT"),
-                  std::string::npos);
+        EXPECT_TRUE(contains(file(kKorEConHost + "RigCfg.ini"), "product_group=KORSHAFT"));
         d.UserClick(D::IDC_REDO);
-        const std::string app = file(kKorEConHost + "RigCfg.ini");
-        EXPECT_NE(app.find("machine=KMX 100\r\norder_no=9100100\r\nproduct_group=KORGEAR"),
-                  std::string::npos);
-        EXPECT_NE(file(kKorEConHost + "korecon.ini").find("KorGear\\machines\\KMX 100\\9100100"),
-                  std::string::npos);
+        EXPECT_TRUE(contains(file(kKorEConHost + "RigCfg.ini"),
+                             "machine=KMX 100\r\norder_no=9100100\r\nproduct_group=KORGEAR"));
+        EXPECT_TRUE(
+            contains(file(kKorEConHost + "korecon.ini"), "KorGear\\machines\\KMX 100\\9100100"));
         // A step across groups redoes neither labels nor lines.
         EXPECT_EQ(text_of(d, D::IDC_UNIT_LABEL), "Machine:");
         EXPECT_TRUE(visible(d, D::IDC_PROXY));
@@ -267,38 +241,16 @@ TEST_F(MainDialog, KorEConUndoWritesTheAppIniAndKeepsLabelsAndLines) {
     });
 }
 
-TEST_F(MainDialog, EndRefusesWithoutAConfigurationAndReadsTheDisplayFormBack) {
-    const struct {
-        const char* name;
-        ProductType type;
-        std::string app_ini; // empty: the example's KorECon folder has none
-        int result;
-        std::size_t boxes;
-        const char* unit_after;
-    } cases[] = {
-        {"nothing read", ProductTypeKorECon, "", IDCANCEL, 1, ""},
-        {"Midspan", ProductTypeMidspan, "", IDOK, 0, "VD 120:COM1"},
-        // The read back stores the display form; its middle token is never read.
-        {"KorShaft", ProductTypeKorECon, korecon_ini("KORSHAFT", "KSH 300", "8300001", ""), IDOK, 0,
-         "KSH300:Type:8300001"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        host->boxes.clear();
-        if (!c.app_ini.empty())
-            root.write(kKorEConHost + "RigCfg.ini", c.app_ini);
-        const int result = run(c.type, [&](CMidSpanCfgDlg& d) {
-            d.UserClick(CMidSpanCfgDlg::IDC_END);
-            EXPECT_EQ(d.modal_ended(), c.result == IDOK);
-        });
-        EXPECT_EQ(result, c.result);
-        ASSERT_EQ(host->boxes.size(), c.boxes);
-        if (c.boxes) {
-            EXPECT_EQ(host->boxes[0].text, "Bitte waehlen Sie eine Konfiguration aus.msg");
-            EXPECT_EQ(host->boxes[0].type, MB_ICONERROR);
-        }
-        EXPECT_EQ(dlg->m_actDriveUnit, c.unit_after);
-    }
+TEST_F(MainDialog, EndRefusesWithoutAConfiguration) {
+    // The example's KorECon folder has no application ini.
+    const int result = run(ProductTypeKorECon, [&](CMidSpanCfgDlg& d) {
+        d.UserClick(CMidSpanCfgDlg::IDC_END);
+        EXPECT_FALSE(d.modal_ended());
+    });
+    EXPECT_EQ(result, IDCANCEL);
+    ASSERT_EQ(host->boxes.size(), 1u);
+    EXPECT_EQ(host->boxes[0].text, "Bitte waehlen Sie eine Konfiguration aus.msg");
+    EXPECT_EQ(host->boxes[0].type, MB_ICONERROR);
 }
 
 TEST_F(MainDialog, TwoTokenMachineShownRawNewNeedsSheetsAndOnlyAboutOpensTheBox) {

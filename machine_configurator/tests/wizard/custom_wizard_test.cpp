@@ -1,4 +1,3 @@
-#include "application/RigCfg.h"
 #include "wizard/wizard_fixture.h"
 
 namespace {
@@ -70,11 +69,6 @@ protected:
             seen.push_back(wiz->m_curPage);
         }
         return seen;
-    }
-    std::string Text(int id) const {
-        std::string text;
-        wiz->GetDlgItemText(id, text);
-        return text;
     }
 };
 
@@ -235,10 +229,10 @@ TEST_F(CustomWizardTest, HeadlessWalksOfEveryRoute) {
         const Result r = Run([&] {
             EXPECT_FALSE(BackEnabled());
             EXPECT_EQ(Walk(IDOK, kWizSummaryPage, route.group), route.forward);
-            EXPECT_EQ(Text(IDOK), "Finish.but");
-            EXPECT_EQ(Text(CWizardDlg::IDC_TITLE), "summary");
+            EXPECT_EQ(text_of(*wiz, IDOK), "Finish.but");
+            EXPECT_EQ(text_of(*wiz, CWizardDlg::IDC_TITLE), "summary");
             EXPECT_EQ(Walk(CWizardDlg::IDC_BACK, 0), route.back);
-            EXPECT_EQ(Text(IDOK), "Next.but");
+            EXPECT_EQ(text_of(*wiz, IDOK), "Next.but");
             EXPECT_EQ(Walk(IDOK, kWizSummaryPage, route.group), route.forward);
             Click(IDOK);
         });

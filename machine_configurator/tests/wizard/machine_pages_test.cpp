@@ -21,11 +21,6 @@ protected:
         Click(M::IDC_ADD);
         ASSERT_EQ(page->GetChosenMachine(), machine);
     }
-    std::string Caption(int index) const {
-        std::string caption;
-        Page<M>(index)->GetDlgItemText(M::IDC_CAPTION, caption);
-        return caption;
-    }
 };
 
 TEST_F(MachinePagesTest, MachineListsKeepSheetOrderNameEachMachineOnceAndTakeASingleOne) {
@@ -54,7 +49,7 @@ TEST_F(MachinePagesTest, MachineListsKeepSheetOrderNameEachMachineOnceAndTakeASi
             for (const auto& [index, names] : offered) {
                 EXPECT_EQ(Items(Page<M>(index)->m_offered), names) << index;
                 EXPECT_EQ(Page<M>(index)->m_offered.GetCurSel(), korv::ui::LB_ERR) << index;
-                EXPECT_EQ(Caption(index), caption) << index;
+                EXPECT_EQ(text_of(*Page<M>(index), M::IDC_CAPTION), caption) << index;
                 wiz->SetCurSel(index);
                 EXPECT_FALSE(NextEnabled()) << index;
             }
@@ -119,9 +114,7 @@ TEST_F(MachinePagesTest, OrderNumbersAndControlsOfTheChosenMachine) {
             auto* page = Page<CWizNewPageForm2>(c.orderPage);
             EXPECT_EQ(Items(page->m_orderNumbers), c.orders);
             EXPECT_EQ(page->GetOrderNumberText(), c.orders.empty() ? "" : c.orders[0]);
-            std::string label;
-            page->GetDlgItemText(CWizNewPageForm2::IDC_ORDER_LABEL, label);
-            EXPECT_EQ(label, "Order No.:.txt");
+            EXPECT_EQ(text_of(*page, CWizNewPageForm2::IDC_ORDER_LABEL), "Order No.:.txt");
             for (int id : {CWizNewPageForm2::IDC_CONTROLS, CWizNewPageForm2::IDC_CONTROL_LABEL})
                 EXPECT_EQ(page->GetDlgItem(id)->IsWindowVisible(), c.controls);
             EXPECT_EQ(Items(page->m_controls).size(), c.controls ? 2u : 0u);

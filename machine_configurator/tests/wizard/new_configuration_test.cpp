@@ -1,34 +1,17 @@
 // The New button end to end in-process: the main dialog and the wizard over a
 // scratch copy of the example installation, driven by a headless script; what
 // the members, the history and the files hold afterwards.
-#include "application/RigCfg.h"
-#include "log_capture.h"
-#include "main_dialog/CfgHistory.h"
-#include "main_dialog/RigCfgDlg.h"
-#include "scratch_dir.h"
-#include "source_tree.h"
+#include "rigcfg_files_fixture.h"
 
-#include "ktranslate.h"
 #include "ui_headless_host.h"
-#include "ui_host_selection.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kMidspan = "C:\\ProgramData\\Korv\\Midspan Plugin\\";
-constexpr const char* kKorEConData = "C:\\ProgramData\\Korv\\KorECon\\";
+using rigcfg_test::contains;
+
 constexpr const char* kKorEConPrograms = "C:\\Program Files\\Korv\\KorECon\\";
-const std::string kMidspanHost = "drive_c/ProgramData/Korv/Midspan Plugin/";
-const std::string kKorEConHost = "drive_c/ProgramData/Korv/KorECon/";
 
 // Group 0 over the example catalogue: COM1, VD 120, the second table, the
 // first stand, then Back from the summary and Next again.
@@ -41,17 +24,8 @@ const char* const kContourWalk = "click 1014\n"
                                  "click 1013\nclick 1\n"
                                  "click 1\n";
 
-class NewConfiguration : public ::testing::Test {
+class NewConfiguration : public rigcfg_test::ExamplesTest {
 protected:
-    void SetUp() override {
-        const fs::path examples = rigcfg_test::source_tree() / "examples";
-        ASSERT_TRUE(fs::is_directory(examples));
-        fs::copy(examples, root.path(), fs::copy_options::recursive);
-        Translate_init("", root / "none", "en", "RigCfg");
-        RegisterDialogResources();
-    }
-    void TearDown() override { korv::ui::reset_host_selection(); }
-
     // Runs the main dialog of `type` under `script`; the dialog stays for a look.
     // Every event of the script must have been taken.
     int Run(ProductType type, const std::string& script) {
@@ -62,7 +36,7 @@ protected:
         korv::ui::install_host(std::make_unique<korv::ui::HeadlessHost>(
             std::move(events), [this](const std::string& line) { transcript += line + "\n"; }));
         const bool korecon = type == ProductTypeKorECon;
-        dlg = std::make_unique<CMidSpanCfgDlg>(type, korecon ? kKorEConData : kMidspan,
+        dlg = std::make_unique<CMidSpanCfgDlg>(type, korecon ? kKorECon : kMidspan,
                                                korecon ? kKorEConPrograms : kMidspan, nullptr);
         const int result = dlg->DoModal();
         korv::ui::reset_host_selection(); // the transcript is complete
@@ -70,11 +44,6 @@ protected:
         return result;
     }
 
-    std::string File(const std::string& relative) const { return root.read(relative); }
-    std::string Example(const std::string& relative) const {
-        std::ifstream in(rigcfg_test::source_tree() / "examples" / relative, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
     // The snapshots from the oldest reachable to the current one.
     static std::vector<CfgHistoryEntry> Snapshots() {
         const CfgHistory& history = TheCfgHistory();
@@ -87,9 +56,6 @@ protected:
         return out;
     }
 
-    korv::testing::ScratchRoot root;
-    korv::testing::LogCapture log;
-    std::unique_ptr<CMidSpanCfgDlg> dlg;
     std::string transcript;
 };
 
@@ -108,19 +74,12 @@ TEST_F(NewConfiguration, ContourRunWritesTheLoaderFilesAndAddsOneSnapshotPerOk) 
     EXPECT_EQ(text(snapshots[2]), "CONTOUR/SURFACE|VD 120:COM1|Rotary Table TB 50|"
                                   "SZ 750 D:horizontal|" +
                                       dlg->m_iniFolder);
-    EXPECT_TRUE(TheCfgHistory().CanUndo());
-    EXPECT_FALSE(TheCfgHistory().CanRedo());
-
-    const std::string loader = File(kMidspanHost + "sp_load.ini");
-    EXPECT_NE(loader.find("active_section=DRIVEUNIT[VD 120:COM1],TABLE[Rotary Table TB 50],"
-                          "MEASURESTAND[SZ 750 D:horizontal],CONTROL[]\r\n"
-                          "active=CONTOUR/SURFACE\r\n"),
-              std::string::npos)
-        << loader;
-    EXPECT_NE(File(kMidspanHost + "SP_SUPPORT/load.ini").find("ProbeSystemName=\r\n"),
-              std::string::npos);
+    EXPECT_TRUE(
+        contains(file(kMidspanHost + "sp_load.ini"),
+                 "active_section=DRIVEUNIT[VD 120:COM1],TABLE[Rotary Table TB 50],"
+                 "MEASURESTAND[SZ 750 D:horizontal],CONTROL[]\r\nactive=CONTOUR/SURFACE\r\n"));
     // Only a form group touches the form loader's file.
-    EXPECT_EQ(File(kMidspanHost + "form_load.ini"), Example(kMidspanHost + "form_load.ini"));
+    EXPECT_EQ(file(kMidspanHost + "form_load.ini"), example(kMidspanHost + "form_load.ini"));
 }
 
 TEST_F(NewConfiguration, ACancelOrAnUnfinishedWizardChangesNothing) {
@@ -129,47 +88,37 @@ TEST_F(NewConfiguration, ACancelOrAnUnfinishedWizardChangesNothing) {
         Run(ProductTypeMidspan, script);
         EXPECT_EQ(dlg->m_wizardResult, 2);
         EXPECT_EQ(Snapshots().size(), 1u);
-        EXPECT_EQ(File(kMidspanHost + "sp_load.ini"), Example(kMidspanHost + "sp_load.ini"));
-        EXPECT_NE(File(kMidspanHost + "SP_SUPPORT/load.ini").find("ProbeSystemName=TK 300"),
-                  std::string::npos);
+        EXPECT_EQ(file(kMidspanHost + "sp_load.ini"), example(kMidspanHost + "sp_load.ini"));
+        EXPECT_TRUE(contains(file(kMidspanHost + "SP_SUPPORT/load.ini"), "ProbeSystemName=TK 300"));
     }
 }
 
 TEST_F(NewConfiguration, FormRunOfTheMidspanFamilyWritesTheFormLoaderFirst) {
     Run(ProductTypeMidspan, "click 1014\nclick 1022\nclick 1\nclick 1\n"
                             "select 1058 1\nclick 1\nclick 1\n");
-    EXPECT_EQ(dlg->m_actGroup, "FORM");
-    EXPECT_EQ(dlg->m_actDriveUnit, "MFU 100:Order-No:6420101");
-    EXPECT_EQ(dlg->m_actStand, "No Stand");
+    EXPECT_EQ(dlg->m_actGroup + "|" + dlg->m_actDriveUnit + "|" + dlg->m_actStand,
+              "FORM|MFU 100:Order-No:6420101|No Stand");
     EXPECT_EQ(Snapshots().back().group, "FORM");
-
-    const std::string form = File(kMidspanHost + "form_load.ini");
-    EXPECT_NE(form.find("active_section=MFU 100:Order-No:6420101,,Table-manuell\r\n"),
-              std::string::npos)
-        << form;
-    EXPECT_NE(form.find("ini_folder=" + dlg->m_iniFolder + "\r\n"), std::string::npos) << form;
-    EXPECT_NE(File(kMidspanHost + "sp_load.ini")
-                  .find("active_section=DRIVEUNIT[MFU 100:Order-No:6420101],TABLE[manual],"
-                        "MEASURESTAND[No Stand],CONTROL[]\r\nactive=FORM\r\n"),
-              std::string::npos);
+    const std::string form = file(kMidspanHost + "form_load.ini");
+    EXPECT_TRUE(contains(form, "active_section=MFU 100:Order-No:6420101,,Table-manuell\r\n"));
+    EXPECT_TRUE(contains(form, "ini_folder=" + dlg->m_iniFolder + "\r\n"));
+    EXPECT_TRUE(contains(file(kMidspanHost + "sp_load.ini"),
+                         "active_section=DRIVEUNIT[MFU 100:Order-No:6420101],TABLE[manual],"
+                         "MEASURESTAND[No Stand],CONTROL[]\r\nactive=FORM\r\n"));
 }
 
 TEST_F(NewConfiguration, KorEConRunWritesTheAppIniThenTheControlFiles) {
     Run(ProductTypeKorECon, "click 1014\nclick 1098\nclick 1\n"
                             "select 1023 0\nclick 1029\nclick 1\n"
                             "click 1\nselect 1067 \"cncproxy\"\nclick 1\nclick 1\n");
-    EXPECT_EQ(dlg->m_actGroup, "KORSHAFT");
-    EXPECT_EQ(dlg->m_actProxy, "cncproxy");
-    EXPECT_EQ(dlg->m_record.folder, dlg->m_iniFolder);
-    EXPECT_NE(dlg->m_iniFolder.find("KorShaft\\machines\\KSH 300\\8300001"), std::string::npos)
-        << dlg->m_iniFolder;
-
-    const std::string app = File(kKorEConHost + "RigCfg.ini");
-    for (const char* line : {"machine=KSH 300\r\n", "order_no=8300001\r\n",
-                             "product_group=KORSHAFT\r\n", "proxy=cncproxy\r\n"})
-        EXPECT_NE(app.find(line), std::string::npos) << line << app;
+    EXPECT_EQ(dlg->m_actGroup + "|" + dlg->m_actProxy, "KORSHAFT|cncproxy");
+    EXPECT_TRUE(contains(dlg->m_iniFolder, "KorShaft\\machines\\KSH 300\\8300001"));
+    EXPECT_TRUE(
+        contains(file(kKorEConHost + "RigCfg.ini"),
+                 "machine=KSH 300\r\norder_no=8300001\r\nproduct_group=KORSHAFT\r\nfolder=" +
+                     dlg->m_iniFolder + "\r\nproxy=cncproxy\r\n"));
     // The control files follow the new machine; no form loader file in this family.
-    EXPECT_NE(File(kKorEConHost + "korecon.ini"), Example(kKorEConHost + "korecon.ini"));
+    EXPECT_NE(file(kKorEConHost + "korecon.ini"), example(kKorEConHost + "korecon.ini"));
     EXPECT_FALSE(fs::exists(root / (kKorEConHost + "form_load.ini")));
 }
 

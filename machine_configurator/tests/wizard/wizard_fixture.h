@@ -2,13 +2,7 @@
 // host that plays a test body in its modal run. Translations are the keys.
 #pragma once
 
-#include "errtrace.h"
-#include "ktranslate.h"
-#include "log_capture.h"
-#include "main_dialog/RigCfgDlg.h"
-#include "scratch_dir.h"
-#include "ui_host.h"
-#include "ui_host_selection.h"
+#include "rigcfg_files_fixture.h"
 #include "wizard/CustomWizardDlg.h"
 #include "wizard/WizDriveUnits.h"
 #include "wizard/WizMeasureStands.h"
@@ -26,12 +20,7 @@
 #include "wizard/wizard_resources.h"
 #include "wizard/wizard_routing.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace wiztest {
 
@@ -40,6 +29,7 @@ using korv::ui::CDialog;
 using korv::ui::IDCANCEL;
 using korv::ui::IDOK;
 using korv::ui::InputResult;
+using rigcfg_test::text_of;
 
 // Plays `body` in the wizard, answers the port dialog with `portAnswer` (-1:
 // its close box), closes what is left open and records message boxes.
