@@ -380,14 +380,6 @@ def written_files(root, machine, params, product):
     return paths
 
 
-def digest(path):
-    try:
-        with open(path, 'rb') as f:
-            return hashlib.sha256(f.read()).hexdigest()
-    except FileNotFoundError:
-        return None
-
-
 def read_bytes(path):
     try:
         with open(path, 'rb') as f:
