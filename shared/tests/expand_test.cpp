@@ -33,49 +33,42 @@ const char* const kBoth = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\
 TEST_F(ExpandTest, FoldersOfThePlatformAndDefaults) {
     LogCapture log;
     use_registry("");
-    EXPECT_EQ(Expand("<KORECON>\\x"), "C:\\Program Files\\korv\\korecon\\x");
-    EXPECT_EQ(Expand("<KorCtrlTools>\\bin\\system_configurator.exe"),
-              "C:\\Program Files\\korv\\korctrltools\\bin\\system_configurator.exe");
     EXPECT_EQ(
-        Expand("<powerpcctrl>|<midspan>|<mtsurf>|<mtmillikor>"),
-        "C:\\Program Files (x86)\\korv\\powerpcctrl|C:\\Program Files (x86)\\korv\\midspan "
-        "plugin|C:\\Program Files (x86)\\korv\\mtsurf|C:\\Program Files (x86)\\korv\\mtmillikor");
-    EXPECT_EQ(Expand("<AppData>\\Korv\\Midspan Plugin\\sp_load.ini"),
-              "C:\\ProgramData\\Korv\\Midspan Plugin\\sp_load.ini");
-    EXPECT_EQ(Expand("<hub32>"), "C:\\Program Files (x86)\\Common Files\\korv\\hub32");
-    EXPECT_EQ(Expand("$(PROGRAM_FILES)|$(program_files_x86)"),
-              "C:\\Program Files|C:\\Program Files (x86)");
+        Expand("<KORECON>|<KorCtrlTools>|<AppData>|<hub32>|$(PROGRAM_FILES)"),
+        "C:\\Program Files\\korv\\korecon|C:\\Program Files\\korv\\korctrltools|"
+        "C:\\ProgramData|C:\\Program Files (x86)\\Common Files\\korv\\hub32|C:\\Program Files");
+    EXPECT_EQ(Expand("<powerpcctrl>|<midspan>|<mtsurf>|<mtmillikor>|$(program_files_x86)"),
+              "C:\\Program Files (x86)\\korv\\powerpcctrl|C:\\Program Files (x86)\\korv\\midspan "
+              "plugin|C:\\Program Files (x86)\\korv\\mtsurf|C:\\Program Files "
+              "(x86)\\korv\\mtmillikor|C:\\Program Files (x86)");
     // Unknown and unfinished macros stay.
     for (const char* same : {"", "<unknown>\\x", "c:\\plain\\path.ini", "<korecon"})
         EXPECT_EQ(Expand(same), same);
 
-    // Defaults stand in for the registry values, each miss logged.
-    EXPECT_EQ(Expand("<korwin>"), "C:\\Program Files\\korv\\korwin");
-    EXPECT_EQ(Expand("<product_infos>"), "C:\\Program Files\\korv\\korwin\\product_infos");
-    // <korwin> ends with its bracket, so it leaves <korwin_userdata> alone.
-    EXPECT_EQ(Expand("<korwin_userdata>\\x"), "c:\\korv\\x");
+    // Defaults stand in for the registry values, each miss logged. <korwin> ends
+    // with its bracket, so it leaves <korwin_userdata> alone.
+    EXPECT_EQ(Expand("<korwin>|<product_infos>|<korwin_userdata>\\x"),
+              "C:\\Program Files\\korv\\korwin|C:\\Program Files\\korv\\korwin\\product_infos|"
+              "c:\\korv\\x");
     EXPECT_EQ(log.errors(),
               (std::vector<std::string>{
                   "Expand(): get registry key TargetDir failed. Using default korwin folders !!!",
                   "Expand(): get registry key UserData failed. Using default korwin folders !!!"}));
 }
 
-TEST_F(ExpandTest, RegistryValuesAndTheirOrder) {
+TEST_F(ExpandTest, RegistryValuesReplaceTheDefaults) {
     LogCapture log;
     use_registry(kBoth);
-    EXPECT_EQ(Expand("<product_infos>"), "d:\\a\\product_infos");
-    EXPECT_EQ(Expand("<KorWin>\\bin"), "d:\\a\\bin");
-    EXPECT_EQ(Expand("<korwin_userdata>\\x"), "e:\\data\\x");
+    EXPECT_EQ(Expand("<product_infos>|<KorWin>\\bin|<korwin_userdata>\\x"),
+              "d:\\a\\product_infos|d:\\a\\bin|e:\\data\\x");
     EXPECT_TRUE(log.errors().empty());
 
     // The table is built once: later changes of the registry aren't seen.
     ASSERT_TRUE(korv::RegWriteString(korv::platform::HKEY_LOCAL_MACHINE,
                                      "SOFTWARE\\Korv\\KorWin\\Main", "TargetDir", "f:\\other"));
     EXPECT_EQ(Expand("<korwin>"), "d:\\a");
-}
 
-TEST_F(ExpandTest, ValuesOfOtherTypesOrEmptyCountAsMissingAndMacrosInValues) {
-    LogCapture log;
+    // Values of other types, or empty, count as missing.
     use_registry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\KorWin\\Main]\r\n"
                  "\"TargetDir\"=dword:00000001\r\n"
                  "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\Hub32\\volatile]\r\n"
