@@ -86,14 +86,14 @@ TEST_F(Kini, CatPrintsTheContentStringAndFmtRewritesSortedWithCrLf) {
               "; head\r\n[a] old\r\nx=1\r\n[b]\r\nkey = 5 ; five\r\n; tail of b\r\n");
 }
 
-TEST_F(Kini, GetPrintsTheValueAsItStands) {
-    dir.write("f.ini", "[General]\nkey = 5 ; five\nempty=\n[general]\nkey=lower\n");
+// Names compare exactly, except that get trims the key it is given.
+TEST_F(Kini, GetSectionsAndKeysAnswerFromTheFileAsItStands) {
+    dir.write("f.ini", "[General]\nkey = 5 ; five\nempty=\n[general]\nkey=lower\nA=2\na=3\n[a]\n");
     KiniRun run = kini({"get", path("f.ini"), "General", "key"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.out, " 5 ; five\n");
     EXPECT_EQ(kini({"get", path("f.ini"), "general", "key  "}).out, "lower\n");
     EXPECT_EQ(kini({"get", path("f.ini"), "General", "empty"}).out, "\n");
-
     run = kini({"get", path("f.ini"), "GENERAL", "key"});
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.out, "");
@@ -101,22 +101,18 @@ TEST_F(Kini, GetPrintsTheValueAsItStands) {
     run = kini({"get", path("f.ini"), "General", "Key"});
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.err, "kini: " + path("f.ini") + ": no key \"Key\" in section [General]\n");
+
+    run = kini({"sections", path("f.ini")});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, "General\na\ngeneral\n");
+    run = kini({"keys", path("f.ini"), "general"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, "A\na\nkey\n");
+    EXPECT_EQ(kini({"keys", path("f.ini"), "a"}).out, "");
+    EXPECT_EQ(kini({"keys", path("f.ini"), "c"}).code, 1);
 }
 
-TEST_F(Kini, SetChangesInPlaceOrAppendsAndCreatesTheFile) {
-    dir.write("f.ini", kMixed);
-    EXPECT_EQ(kini({"set", path("f.ini"), "b", "key", "7"}).code, 0);
-    EXPECT_EQ(kini({"set", path("f.ini"), "b", "new", "a b ; c"}).code, 0);
-    EXPECT_EQ(kini({"set", path("f.ini"), "B", "k", ""}).code, 0);
-    EXPECT_EQ(dir.read("f.ini"), "; head\r\n[B]\r\nk=\r\n[a] old\r\nx=1\r\n"
-                                 "[b]\r\nkey =7\r\n; tail of b\r\nnew=a b ; c\r\n");
-
-    EXPECT_EQ(kini({"set", path("new.ini"), "s", "k", "v"}).code, 0);
-    EXPECT_EQ(dir.read("new.ini"), "[s]\r\nk=v\r\n");
-    EXPECT_EQ(kini({"set", path("no/such/folder.ini"), "s", "k", "v"}).code, 2);
-}
-
-TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSame) {
+TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSameAndElseChangesInPlaceOrAppends) {
     dir.write("f.ini", kMixed);
     const KiniRun comment = kini({"set", path("f.ini"), "b", ";x", "1"});
     EXPECT_EQ(comment.code, 2);
@@ -133,6 +129,15 @@ TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSame) {
         EXPECT_FALSE(run.err.empty());
     }
     EXPECT_EQ(dir.read("f.ini"), kMixed);
+
+    EXPECT_EQ(kini({"set", path("f.ini"), "b", "key", "7"}).code, 0);
+    EXPECT_EQ(kini({"set", path("f.ini"), "b", "new", "a b ; c"}).code, 0);
+    EXPECT_EQ(kini({"set", path("f.ini"), "B", "k", ""}).code, 0);
+    EXPECT_EQ(dir.read("f.ini"), "; head\r\n[B]\r\nk=\r\n[a] old\r\nx=1\r\n"
+                                 "[b]\r\nkey =7\r\n; tail of b\r\nnew=a b ; c\r\n");
+    EXPECT_EQ(kini({"set", path("new.ini"), "s", "k", "v"}).code, 0);
+    EXPECT_EQ(dir.read("new.ini"), "[s]\r\nk=v\r\n");
+    EXPECT_EQ(kini({"set", path("no/such/folder.ini"), "s", "k", "v"}).code, 2);
 }
 
 TEST_F(Kini, DeleteTakesAKeyOrASection) {
@@ -145,18 +150,6 @@ TEST_F(Kini, DeleteTakesAKeyOrASection) {
     EXPECT_EQ(kini({"delete", path("f.ini"), "a", "y "}).code, 1); // exact names only
     EXPECT_EQ(kini({"delete", path("f.ini"), "b"}).code, 1);
     EXPECT_EQ(dir.read("f.ini"), before);
-}
-
-TEST_F(Kini, SectionsAndKeysListInMapOrder) {
-    dir.write("f.ini", "[b]\nz=1\nA=2\na=3\n[a]\n[B]\n");
-    KiniRun run = kini({"sections", path("f.ini")});
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.out, "B\na\nb\n");
-    run = kini({"keys", path("f.ini"), "b"});
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.out, "A\na\nz\n");
-    EXPECT_EQ(kini({"keys", path("f.ini"), "a"}).out, "");
-    EXPECT_EQ(kini({"keys", path("f.ini"), "c"}).code, 1);
 }
 
 // A file that does not parse, or is missing, is never written; only set starts a new one.
