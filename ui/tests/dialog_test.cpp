@@ -110,8 +110,6 @@ TEST_F(DialogTest, InitDialogPushesMembersTranslatesAndFillsControls) {
         EXPECT_EQ(text, "Ann");
         EXPECT_EQ(d.IsDlgButtonChecked(kThird), BST_CHECKED)
             << "the check box between the radio buttons does not count";
-        EXPECT_EQ(d.IsDlgButtonChecked(kFirst), BST_UNCHECKED);
-        EXPECT_EQ(d.IsDlgButtonChecked(kOtherGroup), BST_UNCHECKED);
         EXPECT_EQ(d.find_control(kUndo)->images,
                   (std::vector<std::string>{"UndoU", "UndoD", "UndoF", "UndoX"}));
         EXPECT_EQ(d.find_control(kSummary)->background, 0xC0C0C0u);
@@ -125,9 +123,11 @@ TEST_F(DialogTest, RadioButtonsByTheUserAndByTheCode) {
     SampleDlg dialog;
     run(dialog, [&](CDialog& d) {
         d.CheckDlgButton(kMiddleCheck, BST_CHECKED);
+        d.CheckDlgButton(kOtherGroup, BST_CHECKED);
         EXPECT_EQ(d.UserCheck(kFirst, true), InputResult::Done);
         EXPECT_EQ(d.IsDlgButtonChecked(kSecond), BST_UNCHECKED);
         EXPECT_EQ(d.IsDlgButtonChecked(kMiddleCheck), BST_CHECKED) << "a check box joins no group";
+        EXPECT_EQ(d.IsDlgButtonChecked(kOtherGroup), BST_CHECKED) << "the next group starts there";
         EXPECT_EQ(d.UserCheck(kMiddleCheck, false), InputResult::Done);
         EXPECT_EQ(d.IsDlgButtonChecked(kMiddleCheck), BST_UNCHECKED);
         d.CheckRadioButton(kFirst, kThird, kThird);
