@@ -125,24 +125,24 @@ public:
     bool present() const { return regstore::current()->exists(m_path); }
 
     // Runs `read` on the registry as the file holds it now.
-    template <typename Read> LONG read(Read read) const {
+    template <typename Read> LONG read(Read body) const {
         if (m_status != ERROR_SUCCESS)
             return m_status;
         const auto registry = regstore::current();
         if (!there(*registry))
             return missing();
-        return read(*registry);
+        return body(*registry);
     }
 
     // Runs `change` on a copy of the registry taken under the file lock and
     // writes the copy back if `change` says it changed anything.
-    template <typename Change> LONG change(Change change) const {
+    template <typename Change> LONG change(Change body) const {
         if (m_status != ERROR_SUCCESS)
             return m_status;
         return regstore::modify([&](Registry& registry, bool& changed) -> LONG {
             if (!there(registry))
                 return missing();
-            return change(registry, changed);
+            return body(registry, changed);
         });
     }
 
