@@ -240,7 +240,7 @@ def expand(text, root):
                                      'TargetDir')
     user_data = read_registry_value(root, 'HKEY_LOCAL_MACHINE\\SOFTWARE\\Korv\\Hub32\\volatile',
                                     'UserData')
-    korwin = target_dir if target_dir is not None else PROGRAM_FILES + '\\korv\\korwin'
+    korwin = target_dir if target_dir else PROGRAM_FILES + '\\korv\\korwin'
     table = [
         ('<korecon>', PROGRAM_FILES + '\\korv\\korecon'),
         ('<powerpcctrl>', PROGRAM_FILES_X86 + '\\korv\\powerpcctrl'),
@@ -254,15 +254,16 @@ def expand(text, root):
         ('<product_infos>', korwin + '\\product_infos'),
         ('$(program_files)', PROGRAM_FILES),
         ('$(program_files_x86)', PROGRAM_FILES_X86),
-        ('<korwin_userdata>', user_data if user_data is not None else 'c:\\korv'),
+        ('<korwin_userdata>', user_data if user_data else 'c:\\korv'),
     ]
     for macro, value in table:
+        # Positions come from the text as it was before this macro's turn,
+        # as in the program, so a second occurrence lands where it does there.
         lowered = text.lower()
         at = lowered.find(macro)
-        while at >= 0:
+        while 0 <= at <= len(text):
             text = text[:at] + value + text[at + len(macro):]
-            lowered = text.lower()
-            at = lowered.find(macro, at + len(value))
+            at = lowered.find(macro, at + max(len(value), 1))
     return text
 
 

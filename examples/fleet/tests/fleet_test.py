@@ -351,6 +351,21 @@ def main():
         if took > 60:
             problems.append('took %.0f s' % took)
         check.case('an unreadable machine file ends without waiting for a person', problems)
+
+        # Stations mix the case of folder and file names; so do macros.
+        with open(path, 'wb') as f:
+            f.write(text.replace(b'target=<AppData>\\Korv\\Midspan Plugin\\sp_load.ini',
+                                 b'target=<APPDATA>\\KORV\\midspan plugin\\SP_Load.INI'))
+        set_stored_config(contour, 'VD_140.ini', base64.b64encode(
+            config.replace(b'TABLE[automatic]', b'TABLE[manual]')).decode())
+        before = snapshot(contour)
+        rc, out, recap, results = fleet.play('--limit', 'contour-01')
+        problems = expect_recap(recap, 'contour-01', changed=1, failed=0)
+        problems += expect_reported_files(fleet, 'contour-01', results.get('contour-01', {}),
+                                          before, snapshot(contour))
+        if b'TABLE[manual]' not in read(contour, MIDSPAN + '/sp_load.ini'):
+            problems.append('sp_load.ini was not rewritten')
+        check.case('a target written in another case is followed to the file', problems)
     finally:
         shutil.rmtree(work, ignore_errors=True)
     print('%d passed, %d failed (%.1f s)' % (check.passed, check.failed,
