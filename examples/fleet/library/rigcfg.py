@@ -38,9 +38,10 @@ options:
     type: str
     required: true
   control:
-    description: Control family; without it the program's own product name decides.
+    description:
+      - Control family, C(midspan), C(korecon) or C(mtmillikor), in any case.
+      - Without it the program's own product name decides.
     type: str
-    choices: [midspan, korecon, mtmillikor]
   proxy:
     description: Proxy name for a create.
     type: str
@@ -173,7 +174,7 @@ class RigcfgError(Exception):
     pass
 
 
-def native_path(root, path):
+def native_path(root, path, cwd='.'):
     """The host path of a Windows path, as the program's file layer maps it."""
     parts = [p for p in path.replace('/', '\\').split('\\') if p]
     if len(path) >= 2 and path[1] == ':' and path[0].isalpha():
@@ -182,7 +183,7 @@ def native_path(root, path):
     elif path[:1] in ('\\', '/'):
         base = '/'
     else:
-        base = '.'
+        base = cwd
     current = base
     folder_exists = os.path.isdir(base)
     for part in parts:
@@ -373,9 +374,8 @@ def written_files(root, machine, params, product):
     for name in names:
         if not name:
             continue
-        path = native_path(root, name)
-        if not os.path.isabs(path):
-            path = os.path.normpath(os.path.join(root, path))
+        # The program runs in root, so a relative target lies below it.
+        path = os.path.normpath(native_path(root, name, cwd=root))
         if path not in paths:
             paths.append(path)
     return paths
@@ -477,7 +477,7 @@ def main():
             mode=dict(type='str', required=True, choices=['copy', 'create']),
             file=dict(type='str', required=True),
             variant=dict(type='str', required=True),
-            control=dict(type='str', choices=['midspan', 'korecon', 'mtmillikor']),
+            control=dict(type='str'),
             proxy=dict(type='str'),
             alias_machine_name=dict(type='str'),
             alias_variant=dict(type='str'),
@@ -495,6 +495,11 @@ def main():
         result.update(extra)
         module.fail_json(msg=msg, **result)
 
+    if p['control']:
+        # The program folds the family to lower case before comparing.
+        p['control'] = p['control'].lower()
+        if p['control'] not in PRODUCTS:
+            fail('control must be one of %s, not %s' % (', '.join(sorted(PRODUCTS)), p['control']))
     if not p['variant'].strip():
         fail('variant must not be empty')
     if '"' in p['file']:
