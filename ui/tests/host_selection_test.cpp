@@ -38,31 +38,26 @@ TEST_F(HostSelection, WithoutScriptOrModuleDialogsAndBoxesFailWithAReason) {
     EXPECT_TRUE(log.has_error("Lost?"));
 }
 
-TEST_F(HostSelection, AScriptChoosesTheHeadlessHostAndItsTranscriptFile) {
+TEST_F(HostSelection, AScriptChoosesTheHeadlessHostAndItsTranscriptFileUnlessItIsBroken) {
     ScratchDir dir;
+    dir.write("broken.txt", "click 1\npress 2\n");
     dir.write("events.txt", "settext 523 \"Zoe\"\nclick 1\n");
+    LogCapture log;
+    SampleDlg dialog;
+    for (const char* bad : {"broken.txt", "none.txt"}) {
+        ScopedEnv script("KORV_UI_SCRIPT", dir / bad);
+        EXPECT_EQ(dialog.DoModal(), -1) << bad;
+        reset_host_selection();
+    }
+    EXPECT_TRUE(log.has_error("line 2: unknown event press"));
+    EXPECT_TRUE(log.has_error("none.txt cannot be read"));
+
     ScopedEnv script("KORV_UI_SCRIPT", dir / "events.txt");
     ScopedEnv transcript("KORV_UI_TRANSCRIPT", dir / "out.txt");
-    SampleDlg dialog;
     EXPECT_EQ(dialog.DoModal(), IDOK);
     EXPECT_EQ(dialog.m_name, "Zoe");
     EXPECT_EQ(dir.read("out.txt"), "open 500 \"Sample.dlghead\"\n  > settext 523 \"Zoe\"\n"
                                    "  > click 1\nend 500 -> 1\n");
-}
-
-TEST_F(HostSelection, ABrokenScriptShowsNothing) {
-    ScratchDir dir;
-    dir.write("events.txt", "click 1\npress 2\n");
-    ScopedEnv script("KORV_UI_SCRIPT", dir / "events.txt");
-    LogCapture log;
-    SampleDlg dialog;
-    EXPECT_EQ(dialog.DoModal(), -1);
-    EXPECT_TRUE(log.has_error("line 2: unknown event press")) << log.errors().at(0);
-
-    reset_host_selection();
-    ScopedEnv missing("KORV_UI_SCRIPT", dir / "none.txt");
-    EXPECT_EQ(dialog.DoModal(), -1);
-    EXPECT_TRUE(log.has_error("none.txt cannot be read"));
 }
 
 TEST_F(HostSelection, AToolkitModuleIsLoadedAndShowsTheDialogs) {

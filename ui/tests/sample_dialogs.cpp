@@ -125,11 +125,7 @@ void PagesDlg::OnBack() {
 }
 
 SampleDlg::SampleDlg() : CDialog(kSampleDialog) {
-    MapCommand(BN_CLICKED, kOpenPages, [this] {
-        PagesDlg pages(this);
-        m_pagesResult = pages.DoModal();
-        SetDlgItemText(kStatus, "pages " + std::to_string(m_pagesResult));
-    });
+    MapCommand(BN_CLICKED, kOpenPages, [this] { PagesDlg(this).DoModal(); });
     MapCommand(BN_CLICKED, kAsk, [this] {
         const int answer = AfxMessageBox("Proceed?", MB_YESNO | MB_ICONQUESTION);
         SetDlgItemText(kStatus, answer == IDYES ? "yes" : "no");

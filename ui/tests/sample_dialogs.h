@@ -75,7 +75,6 @@ public:
     CRichEditCtrl m_summary;
     CDlgToolTipCtrl m_tips;
     std::vector<std::string> notes; // what the handlers saw
-    int m_pagesResult = 0;
 
     SampleDlg();
 
