@@ -88,7 +88,6 @@ TEST(Registry, MissingOrEmptyFileIsAnEmptyRegistry) {
     ScratchRoot root;
     const unsigned long before = registry_file_problem().serial;
     EXPECT_EQ(Key("SOFTWARE").result(), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(read("SOFTWARE\\Korv", "x").result, ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Key("").result(), ERROR_SUCCESS); // the root itself always opens
     root.write("registry.reg", " \r\n");
     EXPECT_EQ(Key("A").result(), ERROR_FILE_NOT_FOUND);
@@ -304,11 +303,9 @@ TEST(Registry, DeletesValuesAndKeys) {
         EXPECT_EQ(RegDeleteValueA(key.get(), "W"), ERROR_SUCCESS);
         EXPECT_EQ(RegDeleteValueA(key.get(), "w"), ERROR_FILE_NOT_FOUND);
     }
-    EXPECT_EQ(read("A\\B", "w").result, ERROR_FILE_NOT_FOUND);
 
     EXPECT_EQ(RegDeleteKeyExA(HKEY_LOCAL_MACHINE, "A\\B", KEY_WOW64_32KEY, 0), ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegDeleteKeyExA(HKEY_LOCAL_MACHINE, "a\\b\\c", KEY_WOW64_32KEY, 0), ERROR_SUCCESS);
-    EXPECT_EQ(Key("A\\B\\C").result(), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegDeleteKeyExA(HKEY_LOCAL_MACHINE, "A\\B\\C", 0, 0), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegDeleteKeyExA(HKEY_LOCAL_MACHINE, "A\\B", 0, 0), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteKeyExA(HKEY_LOCAL_MACHINE, nullptr, 0, 0), ERROR_INVALID_PARAMETER);
