@@ -166,15 +166,12 @@ TEST(ProfileWrite, CreatesTheFileButNotItsFolder) {
     EXPECT_FALSE(put("Sec", "key", "value", dir.path()));
 }
 
-TEST(ProfileWrite, ReplacesInPlaceKeepingTheSpelling) {
+TEST(ProfileWrite, ValuesReplaceInPlaceAndNewKeysFollowTheLastKey) {
     ScratchDir dir;
     dir.write("r.ini", "; head\r\n[Sec]\r\n  Key = old  \r\nother=1\r\n[Next]\r\nKey=keep\r\n");
     EXPECT_TRUE(put("SEC", "KEY", "new", dir / "r.ini"));
     EXPECT_EQ(dir.read("r.ini"), "; head\r\n[Sec]\r\nKey=new\r\nother=1\r\n[Next]\r\nKey=keep\r\n");
-}
 
-TEST(ProfileWrite, NewKeysFollowTheLastKeyOfTheirSection) {
-    ScratchDir dir;
     dir.write("n.ini", "[A]\r\na=1\r\n;trailing note\r\n\r\n[B]\r\nb=1\r\n");
     EXPECT_TRUE(put("a", "z", "2", dir / "n.ini"));
     EXPECT_TRUE(put("A", "y", "3", dir / "n.ini"));

@@ -61,18 +61,7 @@ TEST_F(KIniDataFile, SectionsSortByteWiseUpperBeforeLowerShorterFirst) {
               (std::vector<std::string>{"", "B", "a", "ab", "b", "\xC3\xA4"}));
 }
 
-TEST_F(KIniDataFile, EmptyFilesStayEmpty) {
-    for (const char* bytes : {"", "\xEF\xBB\xBF\r\n", "\n\n\r\n"}) {
-        dir.write("e.ini", bytes);
-        KIniData ini;
-        ASSERT_TRUE(ini.Open(dir / "e.ini"));
-        EXPECT_TRUE(ini.in_sync && !ini.file_missing);
-        ASSERT_TRUE(ini.Save());
-        EXPECT_EQ(dir.read("e.ini"), "");
-    }
-}
-
-TEST_F(KIniDataFile, AbsentFileOpensEmptyAndSaveCreatesIt) {
+TEST_F(KIniDataFile, AbsentOrEmptyFilesOpenEmptyAndSaveCreatesThem) {
     KIniData ini;
     ASSERT_TRUE(ini.Open(dir / "new.ini"));
     EXPECT_TRUE(ini.is_open && ini.file_missing && !ini.in_sync);
@@ -83,6 +72,16 @@ TEST_F(KIniDataFile, AbsentFileOpensEmptyAndSaveCreatesIt) {
     ASSERT_TRUE(ini.Save());
     EXPECT_TRUE(!ini.file_missing && ini.in_sync);
     EXPECT_EQ(dir.read("new.ini"), "[s]\r\nk=v\r\n");
+
+    // A file without content opens in sync and saves empty.
+    for (const char* bytes : {"", "\xEF\xBB\xBF\r\n", "\n\n\r\n"}) {
+        dir.write("e.ini", bytes);
+        KIniData empty;
+        ASSERT_TRUE(empty.Open(dir / "e.ini"));
+        EXPECT_TRUE(empty.in_sync && !empty.file_missing);
+        ASSERT_TRUE(empty.Save());
+        EXPECT_EQ(dir.read("e.ini"), "");
+    }
 }
 
 TEST_F(KIniDataFile, WideByteOrderMarksAreRefused) {
