@@ -6,6 +6,7 @@
 #include "errtrace.h"
 #include "log_capture.h"
 #include "scratch_dir.h"
+#include "trace_context.h"
 
 #include <gtest/gtest.h>
 
@@ -59,21 +60,14 @@ private:
     }
 };
 
-// Each test reads the error trace of a context of its own.
-class TraceContext {
-public:
-    TraceContext() { KErrTrace_BeginContext(); }
-    ~TraceContext() {
-        KErrTrace_ClearContext();
-        KErrTrace_EndContext();
-    }
-    static bool has(const std::string& part) {
-        for (const std::string& line : korv::diag::error_trace_lines())
-            if (line.find(part) != std::string::npos)
-                return true;
-        return false;
-    }
-};
+// Whether a line of the error trace so far holds `part`; a test that asks runs
+// in a context of its own (korv::testing::TraceContextTest).
+inline bool traced_part(const std::string& part) {
+    for (const std::string& line : korv::diag::error_trace_lines())
+        if (line.find(part) != std::string::npos)
+            return true;
+    return false;
+}
 
 // The keys of a machine map, in its order.
 inline std::vector<std::string> keys(const MachineTreeMap& map) {

@@ -140,9 +140,6 @@ TEST_F(Catalogue, FolderTreesOfEveryRootWithAliasesMakeTheKorEConCatalogue) {
     EXPECT_EQ(fourth.cnc, 0); // "cnc" is not "CNC"
     EXPECT_EQ(fourth.folder, root("form_support") + "\\MFU 100\\4");
     EXPECT_EQ(fourth.ini_path, fourth.folder + "\\machine.ini");
-    // The alias carries its parent's group and files.
-    EXPECT_EQ(machine("KMX 100 Light", "9").flags, kSheetAlways | kSheetKorGear);
-    EXPECT_EQ(machine("KMX 100 Light", "9").ini_path, machine("KMX 100", "1").ini_path);
 }
 
 TEST_F(Catalogue, DamagedAliasEndsTheBuildWithAnEmptyList) {

@@ -12,10 +12,12 @@ bool read(MachineTreeMap& map) {
     return GetAllMachinesFromConfigFile(kConfig.c_str(), kWork.c_str(), map);
 }
 
+using MachineConfigFile = korv::testing::TraceContextTest;
+
 } // namespace
 
 // The records of the drive units show in the catalogue build's Midspan test.
-TEST(MachineConfigFile, ListEndsAtTheFirstMissingFileOrNumber) {
+TEST_F(MachineConfigFile, ListEndsAtTheFirstMissingFileOrNumber) {
     Install install;
     install.write_c(kWork + "SP_Support\\DriveUnit.dat", "[ORDERNO.VD 120]\nno_1=1\n");
     MachineTreeMap map{{"stale", {}}};
@@ -32,13 +34,12 @@ TEST(MachineConfigFile, ListEndsAtTheFirstMissingFileOrNumber) {
     EXPECT_EQ(keys(map), std::vector<std::string>{"VD 120"});
 }
 
-TEST(MachineConfigFile, ValueWithoutDotFolderFailsTheWholeRead) {
+TEST_F(MachineConfigFile, ValueWithoutDotFolderFailsTheWholeRead) {
     Install install;
     install.write_c(kConfig, "[DRIVEUNIT]\nfile_1=.\\SP_Support\\DriveUnit.dat\nno_1=VD 120\n"
                              "file_2=SP_Support\\DriveUnit.dat\nno_2=VD 130\n");
-    TraceContext trace;
     MachineTreeMap map;
     EXPECT_FALSE(read(map));
-    EXPECT_TRUE(trace.has("file_2=SP_Support\\DriveUnit.dat"));
+    EXPECT_TRUE(traced_part("file_2=SP_Support\\DriveUnit.dat"));
     EXPECT_FALSE(GetAllMachinesFromConfigFile(nullptr, kWork.c_str(), map));
 }

@@ -20,40 +20,39 @@ TEST(ConfigStrings, GroupKeyFoldsDifferOnlyInKorSurf) {
 }
 
 TEST(ConfigStrings, ActiveSectionWriterAndLooseScanner) {
+    using E = ActiveSectionError;
     const std::string written = BuildActiveSectionString({"U", "", "S 1:vertical,S2", "C"});
     EXPECT_EQ(written, "DRIVEUNIT[U],TABLE[],MEASURESTAND[S 1:vertical,S2],CONTROL[C]");
-    ActiveSection p;
-    ASSERT_EQ(ScanActiveSection(written, p), ActiveSectionError::None);
-    EXPECT_EQ(p.table, "");
-    EXPECT_EQ(p.stand, "S 1:vertical,S2");
-
-    // Leading blanks skipped, trailing kept; absent table and stand in lower case.
-    ASSERT_EQ(ScanActiveSection("DRIVEUNIT [ X ],CONTROL[c1]", p), ActiveSectionError::None);
-    EXPECT_EQ(p.drive_unit, "X ");
-    EXPECT_EQ(p.table, "no Table");
-    EXPECT_EQ(p.stand, "no Stand");
-    EXPECT_EQ(p.control, "c1");
-    // Keywords and brackets are searched in the raw text.
-    ASSERT_EQ(ScanActiveSection("DRIVEUNIT[MYTABLE[7]],TABLE[real]", p), ActiveSectionError::None);
-    EXPECT_EQ(p.drive_unit, "MYTABLE[7");
-    EXPECT_EQ(p.table, "7");
-    ASSERT_EQ(ScanActiveSection("DRIVEUNIT X,TABLE[t]", p), ActiveSectionError::None);
-    EXPECT_EQ(p.drive_unit, "t");
-    // The control has no error, only a wrong value.
-    ASSERT_EQ(ScanActiveSection("DRIVEUNIT[U],CONTROL[open", p), ActiveSectionError::None);
-    EXPECT_EQ(p.control, "open");
-    ASSERT_EQ(ScanActiveSection("DRIVEUNIT[U],CONTROLX,TABLE[t]", p), ActiveSectionError::None);
-    EXPECT_EQ(p.control, "t");
-
-    EXPECT_EQ(ScanActiveSection("TABLE[t]", p), ActiveSectionError::DriveUnit);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT X", p), ActiveSectionError::DriveUnit);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT[   ", p), ActiveSectionError::DriveUnit);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT[" + std::string(1024, 'x') + "]", p),
-              ActiveSectionError::DriveUnit);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT[" + std::string(1023, 'x') + "]", p),
-              ActiveSectionError::None);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT[u],TABLE", p), ActiveSectionError::Table);
-    EXPECT_EQ(ScanActiveSection("DRIVEUNIT[u],MEASURESTAND[s", p), ActiveSectionError::Stand);
+    const std::string longest(1023, 'x');
+    const struct {
+        std::string text;
+        E error;
+        std::string parts; // unit|table|stand|control as read
+    } cases[] = {
+        {written, E::None, "U||S 1:vertical,S2|C"},
+        // Leading blanks skipped, trailing kept; absent table and stand in lower case.
+        {"DRIVEUNIT [ X ],CONTROL[c1]", E::None, "X |no Table|no Stand|c1"},
+        // Keywords and brackets are searched in the raw text.
+        {"DRIVEUNIT[MYTABLE[7]],TABLE[real]", E::None, "MYTABLE[7|7|no Stand|"},
+        {"DRIVEUNIT X,TABLE[t]", E::None, "t|t|no Stand|"},
+        // The control has no error, only a wrong value.
+        {"DRIVEUNIT[U],CONTROL[open", E::None, "U|no Table|no Stand|open"},
+        {"DRIVEUNIT[U],CONTROLX,TABLE[t]", E::None, "U|t|no Stand|t"},
+        {"DRIVEUNIT[" + longest + "]", E::None, longest + "|no Table|no Stand|"},
+        {"DRIVEUNIT[" + longest + "x]", E::DriveUnit, ""},
+        {"TABLE[t]", E::DriveUnit, ""},
+        {"DRIVEUNIT X", E::DriveUnit, ""},
+        {"DRIVEUNIT[   ", E::DriveUnit, ""},
+        {"DRIVEUNIT[u],TABLE", E::Table, ""},
+        {"DRIVEUNIT[u],MEASURESTAND[s", E::Stand, ""},
+    };
+    for (const auto& c : cases) {
+        ActiveSection p;
+        ASSERT_EQ(ScanActiveSection(c.text, p), c.error) << c.text;
+        if (c.error == E::None) {
+            EXPECT_EQ(p.drive_unit + "|" + p.table + "|" + p.stand + "|" + p.control, c.parts);
+        }
+    }
 }
 
 TEST(ConfigStrings, FormLoadStandAndMachineDisplay) {

@@ -6,7 +6,6 @@
 #include "kversioninfo.h"
 
 #include <deque>
-#include <fstream>
 #include <functional>
 #include <map>
 
@@ -54,9 +53,8 @@ public:
             if (body)
                 body(static_cast<CMidSpanCfgDlg&>(d));
         } else {
-            std::string version;
-            d.GetDlgItemText(CAboutDlg::IDC_VERSION, version);
-            opened.push_back(std::to_string(d.template_id()) + " " + version);
+            opened.push_back(std::to_string(d.template_id()) + " " +
+                             text_of(d, CAboutDlg::IDC_VERSION));
         }
         if (!d.modal_ended())
             d.UserClose();
@@ -85,10 +83,9 @@ protected:
     }
 
     // Runs the dialog of `type` over the examples; the dialog stays for a look after.
-    int run(ProductType type, std::function<void(CMidSpanCfgDlg&)> body,
-            CMidSpanCfgApp* app = nullptr) {
+    int run(ProductType type, std::function<void(CMidSpanCfgDlg&)> body) {
         const char* folder = type == ProductTypeKorECon ? kKorECon : kMidspan;
-        dlg = std::make_unique<CMidSpanCfgDlg>(type, folder, folder, app);
+        dlg = std::make_unique<CMidSpanCfgDlg>(type, folder, folder, nullptr);
         host->body = std::move(body);
         return dlg->DoModal();
     }
@@ -137,8 +134,8 @@ TEST_F(MainDialog, StartUpShowsTheActiveConfigurationAsTheFamilyAndGroupAskAndEn
             EXPECT_EQ(text_of(d, D::IDC_VERSION), "v" + korv::FileVersionInfo().GetFileVersion());
             for (int id : {D::IDC_TABLE_LABEL, D::IDC_TABLE, D::IDC_STAND_LABEL, D::IDC_STAND})
                 EXPECT_EQ(visible(d, id), c.table_lines) << id;
-            EXPECT_EQ(visible(d, D::IDC_PROXY), c.proxy != nullptr);
-            EXPECT_EQ(visible(d, D::IDC_PROXY_LABEL), c.proxy != nullptr);
+            for (int id : {D::IDC_PROXY, D::IDC_PROXY_LABEL})
+                EXPECT_EQ(visible(d, id), c.proxy != nullptr) << id;
             if (c.proxy) {
                 EXPECT_EQ(text_of(d, D::IDC_PROXY), c.proxy);
             }
@@ -241,24 +238,16 @@ TEST_F(MainDialog, KorEConUndoWritesTheAppIniAndKeepsLabelsAndLines) {
     });
 }
 
-TEST_F(MainDialog, EndRefusesWithoutAConfiguration) {
-    // The example's KorECon folder has no application ini.
+// The example's KorECon folder has no application ini.
+TEST_F(MainDialog, WithoutAConfigurationEndRefusesAndATwoTokenMachineIsShownRaw) {
     const int result = run(ProductTypeKorECon, [&](CMidSpanCfgDlg& d) {
         d.UserClick(CMidSpanCfgDlg::IDC_END);
         EXPECT_FALSE(d.modal_ended());
-    });
-    EXPECT_EQ(result, IDCANCEL);
-    ASSERT_EQ(host->boxes.size(), 1u);
-    EXPECT_EQ(host->boxes[0].text, "Bitte waehlen Sie eine Konfiguration aus.msg");
-    EXPECT_EQ(host->boxes[0].type, MB_ICONERROR);
-}
-
-TEST_F(MainDialog, TwoTokenMachineShownRawNewNeedsSheetsAndOnlyAboutOpensTheBox) {
-    run(ProductTypeKorECon, [&](CMidSpanCfgDlg& d) {
         d.m_actGroup = "KORSHAFT";
         d.m_actDriveUnit = "KSH 300:8300001";
         d.OnInitDlg();
         EXPECT_EQ(text_of(d, CMidSpanCfgDlg::IDC_UNIT), "KSH 300:8300001");
+        // New needs the catalogue, and only About opens the about box.
         ASSERT_TRUE(enabled(d, CMidSpanCfgDlg::IDC_NEW));
         d.FreeCfgDataStructure();
         d.RefreshHistoryButtons();
@@ -266,6 +255,10 @@ TEST_F(MainDialog, TwoTokenMachineShownRawNewNeedsSheetsAndOnlyAboutOpensTheBox)
         d.OnSysCommand(0xF060, 0); // close
         d.OnSysCommand(0x13, 0);   // the low bits are the system's
     });
+    EXPECT_EQ(result, IDCANCEL);
+    ASSERT_EQ(host->boxes.size(), 1u);
+    EXPECT_EQ(host->boxes[0].text, "Bitte waehlen Sie eine Konfiguration aus.msg");
+    EXPECT_EQ(host->boxes[0].type, MB_ICONERROR);
     EXPECT_TRUE(log.has_error("OnInitDlg(): aprsing error m_actDriveUnit = 'KSH 300:8300001'"));
     EXPECT_EQ(host->opened,
               (std::vector<std::string>{"100 " + korv::FileVersionInfo().GetFileVersion()}));
@@ -307,9 +300,7 @@ TEST(DialogImages, EveryImageATemplateNamesIsThere) {
     for (std::string name : named) {
         std::transform(name.begin(), name.end(), name.begin(), ::toupper);
         ASSERT_TRUE(files.count(name)) << name;
-        std::ifstream in(files[name], std::ios::binary);
-        std::string magic(2, '\0');
-        in.read(magic.data(), 2);
+        const std::string magic = rigcfg_test::slurp(files[name]).substr(0, 2);
         EXPECT_TRUE(magic == "BM" || magic == "\x89P") << name;
     }
 }

@@ -163,7 +163,7 @@ TEST_F(CustomWizardTest, ContourSummaryDriveUnitsTableAndStands) {
             ChooseInterfaces(c.com1, c.onSwitch, c.com2);
             Click(IDOK);
             for (const auto& [row, item] : c.picks)
-                Select(CWizDriveUnits::kRowIds[static_cast<std::size_t>(row)].combo, item);
+                Select(UnitCombo(row), item);
             Walk(IDOK, 4);
             if (c.secondStand >= 0)
                 Select(CWizMeasureStands::kRowIds[1].combo, c.secondStand);

@@ -8,7 +8,6 @@ using namespace wiztest;
 constexpr int kCom1 = CWizNewPage2::IDC_COM1;
 constexpr int kCom2 = CWizNewPage2::IDC_COM2;
 constexpr int kSwitch = CWizNewPage2::IDC_SWITCH;
-constexpr int kUnitRow0 = CWizDriveUnits::kRowIds[0].combo;
 
 class UnitPagesTest : public WizardFixture {
 protected:
@@ -21,15 +20,14 @@ protected:
         ChooseInterfaces(com1, onSwitch, com2);
         wiz->SetCurSel(2);
         for (std::size_t row = 0; row < picks.size(); ++row)
-            Select(CWizDriveUnits::kRowIds[row].combo, picks[row]);
+            Select(UnitCombo(row), picks[row]);
         for (int page = 3; page <= to; ++page)
             wiz->SetCurSel(page);
     }
-    static Strings Labels(const std::array<InterfaceRow, 8>& rows, int count) {
-        Strings labels(static_cast<std::size_t>(count));
-        for (int i = 0; i < count; ++i)
-            rows[static_cast<std::size_t>(i)].m_label.GetWindowText(
-                labels[static_cast<std::size_t>(i)]);
+    static Strings Labels(const std::array<InterfaceRow, 8>& rows, std::size_t count) {
+        Strings labels(count);
+        for (std::size_t i = 0; i < count; ++i)
+            rows[i].m_label.GetWindowText(labels[i]);
         return labels;
     }
 };
@@ -117,11 +115,11 @@ TEST_F(UnitPagesTest, DriveUnitRowsAndCandidatesFollowTheMode) {
             }
             for (int row : c.needed) {
                 EXPECT_FALSE(NextEnabled()) << row;
-                Select(CWizDriveUnits::kRowIds[static_cast<std::size_t>(row)].combo, 1);
+                Select(UnitCombo(row), 1);
                 EXPECT_EQ(P2()->GetRowText(row), listOf(row)[1]);
             }
             EXPECT_TRUE(NextEnabled());
-            Select(CWizDriveUnits::kRowIds[static_cast<std::size_t>(c.needed.back())].combo, 0);
+            Select(UnitCombo(c.needed.back()), 0);
             EXPECT_FALSE(NextEnabled());
         });
     }
@@ -136,7 +134,7 @@ TEST_F(UnitPagesTest, TheSameModeKeepsTheRowsAnotherRebuildsThem) {
         ChooseInterfaces(true, false, false);
         wiz->SetCurSel(2);
         EXPECT_TRUE(NextEnabled());
-        Select(kUnitRow0, 1);
+        Select(UnitCombo(0), 1);
         ChooseInterfaces(true, false, true);
         ChooseInterfaces(true, false, false);
         wiz->SetCurSel(2);

@@ -178,6 +178,7 @@ protected:
             Click(onSwitch ? CWizNewPage2::IDC_SWITCH : CWizNewPage2::IDC_SINGLE);
         Input(CWizNewPage2::IDC_COM2).UserCheck(CWizNewPage2::IDC_COM2, com2);
     }
+    static int UnitCombo(std::size_t row) { return CWizDriveUnits::kRowIds[row].combo; }
     bool NextEnabled() const { return wiz->GetDlgItem(IDOK)->IsWindowEnabled(); }
     bool BackEnabled() const { return wiz->GetDlgItem(CWizardDlg::IDC_BACK)->IsWindowEnabled(); }
 
