@@ -28,6 +28,11 @@ public:
     void BuildMachineSummary(CWizNewPage2a* machinePage, CWizNewPageForm2* formPage,
                              CWizProxies* proxyPage, std::uint32_t mask);
 
+    // 0 if the caller may go on with the directory `path`, -1 if not. Asks
+    // before creating a missing one (`askToCreate`) and before using one that
+    // exists (`askIfExists`); creates one level only.
+    int EnsureDirectoryExists(std::string path, bool askIfExists, bool askToCreate);
+
     CMidSpanCfgDlg* m_pMainDlg;
     std::string m_resGroup;
     std::string m_resDriveUnit;

@@ -1,3 +1,4 @@
+#include "wizard/FacDiskNameIoDlg.h"
 #include "wizard/WizNewPage1.h"
 #include "wizard/WizNewPage2a.h"
 #include "wizard/WizNewPage2b.h"
@@ -76,6 +77,22 @@ void RegisterMachinePageResources() {
              K::RadioButton,
              "edit new data.txt",
              {20, 76, 200, 10}},
+        });
+
+    Add(CFacDiskNameIoDlg::IDD, "Factory disk.dlghead", 260, 120,
+        {
+            {S,
+             K::StaticText,
+             "Error:\tNo appropriate Drive Unit found in specified file!.txt",
+             {10, 8, 240, 10}},
+            {S, K::StaticText, "Found Drive Unit:.txt", {10, 26, 80, 10}},
+            {CFacDiskNameIoDlg::IDC_FOUND_DRIVE_UNIT, K::StaticText, "", {95, 26, 155, 10}},
+            {S, K::StaticText, "Drive Unit specified:.txt", {10, 44, 80, 10}},
+            {CFacDiskNameIoDlg::IDC_SPECIFIED_DRIVE_UNIT, K::Edit, "", {95, 42, 155, 12}},
+            {S, K::StaticText, "Button <OK>:\t\tscan file again..txt", {10, 64, 240, 10}},
+            {S, K::StaticText, "Button <Cancel>:\tabort operation..txt", {10, 76, 240, 10}},
+            {korv::ui::IDOK, K::Button, "OK.but", {70, 98, 50, 14}},
+            {korv::ui::IDCANCEL, K::Button, "Cancel.but", {140, 98, 50, 14}},
         });
 
     // The only page of this height.
