@@ -20,32 +20,31 @@ std::string root(const char* product) {
 // One machine of every product group over the roots of an installation, with
 // hidden records, a machine name in two roots and an alias of "KMX 100".
 void write_folder_trees(const Install& install) {
-    const std::string form = root("form_support");
-    install.machine(form, "MFU 100", "1",
-                    machine_ini("1", "FORM", "XY_Table=automatic\n[MFU 100]\nConfigGroup=CNC\n"));
-    install.machine(form, "MFU 100", "2", machine_ini("2", "FORM", "[MFU 100]\nHIDE=1\n"));
-    install.machine(form, "MFU 100", "3", machine_ini("3", "FORM", "[MFU 100]\nHIDE=\n"));
-    install.machine(
-        form, "MFU 100", "4",
-        machine_ini("4", "FORM", "XY_Table=manual\n[MFU 100]\nHIDE=0\nConfigGroup=cnc\n"));
-    install.machine(form, "Twin", "1", machine_ini("1", "FORM"));
-    const std::string gear = root("KorGear");
-    install.machine(gear, "KMX 100", "1", machine_ini("1", "KORGEAR"));
-    // The alias is looked up under its own name in its parent's file.
-    install.machine(gear, "KMX 100", "2", machine_ini("2", "KORGEAR", "[KMX 100 Light]\nHIDE=1\n"));
-    install.machine(gear, "Twin", "2", machine_ini("2", "KORGEAR"));
     const struct {
-        const char *root, *name, *group;
-    } singles[] = {{"KorSurf", "KS 500", "KORSURF"},
-                   {"KorShaft", "Shaft", "KORSHAFT"},
-                   {"KorOpto", "Opto", "KOROPTO"},
-                   {"KorOpto", "Mystery", "NOTHING"},
-                   {"KorGeometry", "Geo", "KORGEOMETRY"},
-                   {"platform_components", "Plat", "PLATFORM_COMPONENTS"},
-                   {"Length_Support", "Preci", "PRECIKOR"},
-                   {"KorSim\\SimA", "KFU", "KORSIM"}};
-    for (const auto& single : singles)
-        install.machine(root(single.root), single.name, "1", machine_ini("1", single.group));
+        const char *root, *name, *order, *group, *extra;
+    } records[] = {
+        // clang-format off
+        {"form_support", "MFU 100", "1", "FORM", "XY_Table=automatic\n[MFU 100]\nConfigGroup=CNC\n"},
+        {"form_support", "MFU 100", "2", "FORM", "[MFU 100]\nHIDE=1\n"},
+        {"form_support", "MFU 100", "3", "FORM", "[MFU 100]\nHIDE=\n"},
+        {"form_support", "MFU 100", "4", "FORM", "XY_Table=manual\n[MFU 100]\nHIDE=0\nConfigGroup=cnc\n"},
+        {"form_support", "Twin", "1", "FORM", ""},
+        {"KorGear", "KMX 100", "1", "KORGEAR", ""},
+        // The alias is looked up under its own name in its parent's file.
+        {"KorGear", "KMX 100", "2", "KORGEAR", "[KMX 100 Light]\nHIDE=1\n"},
+        {"KorGear", "Twin", "2", "KORGEAR", ""},
+        {"KorSurf", "KS 500", "1", "KORSURF", ""},
+        {"KorShaft", "Shaft", "1", "KORSHAFT", ""},
+        {"KorOpto", "Opto", "1", "KOROPTO", ""},
+        {"KorOpto", "Mystery", "1", "NOTHING", ""},
+        {"KorGeometry", "Geo", "1", "KORGEOMETRY", ""},
+        {"platform_components", "Plat", "1", "PLATFORM_COMPONENTS", ""},
+        {"Length_Support", "Preci", "1", "PRECIKOR", ""},
+        {"KorSim\\SimA", "KFU", "1", "KORSIM", ""},
+        // clang-format on
+    };
+    for (const auto& m : records)
+        install.machine(root(m.root), m.name, m.order, machine_ini(m.order, m.group, m.extra));
 
     const std::string machines = kAliasMachinesFolder;
     install.write_c(machines + "\\KMX_100.ini", "[general]\nmachine=KMX 100\nvariantfolder=K\n");

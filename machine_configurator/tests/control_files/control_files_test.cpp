@@ -58,7 +58,6 @@ TEST_F(ControlFiles, SimulationReportsItsIdentity) {
     dlg->UpdateConfigFilesKorEcon();
     EXPECT_EQ(read("korecon.ini"), "[configuration]\r\ndynamic_path=" + std::string(kApp) +
                                        "m\\\r\n[korecon_ioman]\r\nusb=1\r\n");
-    EXPECT_EQ(launcher_root(), "korecon");
 }
 
 TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
