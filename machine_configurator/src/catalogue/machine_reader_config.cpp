@@ -55,11 +55,9 @@ bool drive_unit_paths(const char* app_folder, const std::string& value, std::siz
     return true;
 }
 
-} // namespace
-
-bool GetAllMachinesFromConfigFile(const char* config_file, const char* app_folder,
-                                  MachineTreeMap& map) {
-    map.clear();
+// Both readers are entered with the configuration file and the application
+// folder, and report a missing one under the same (older) name.
+bool both_given(const char* config_file, const char* app_folder) {
     if (!config_file) {
         KERRTRACE("GetAllMachineDirectories(): Null pointer for config file");
         return false;
@@ -68,6 +66,16 @@ bool GetAllMachinesFromConfigFile(const char* config_file, const char* app_folde
         KERRTRACE("GetAllMachineDirectories(): Null pointer for application directory");
         return false;
     }
+    return true;
+}
+
+} // namespace
+
+bool GetAllMachinesFromConfigFile(const char* config_file, const char* app_folder,
+                                  MachineTreeMap& map) {
+    map.clear();
+    if (!both_given(config_file, app_folder))
+        return false;
     for (std::size_t i = 1;; ++i) {
         const std::string value = catalogue_profile("DRIVEUNIT", numbered_key("file_", i), "",
                                                     config_file, kFileNameSize);
@@ -106,14 +114,8 @@ bool GetAllMachinesFromConfigFile(const char* config_file, const char* app_folde
 
 bool GetAllMachinesInfosFromConfigFile(const char* config_file, const char* app_folder,
                                        MachineTreeMap& map) {
-    if (!config_file) {
-        KERRTRACE("GetAllMachineDirectories(): Null pointer for config file");
+    if (!both_given(config_file, app_folder))
         return false;
-    }
-    if (!app_folder) {
-        KERRTRACE("GetAllMachineDirectories(): Null pointer for application directory");
-        return false;
-    }
     for (auto& [number, records] : map) {
         const std::string order_section = "ORDERNO." + number;
         for (std::size_t k = 0; k < records.size(); ++k) {
