@@ -94,6 +94,14 @@ protected:
         root.write(kAppHost + relative, bytes);
     }
     std::string read(const std::string& relative) const { return root.read(kAppHost + relative); }
+    // One value of the ini file `relative`, read afresh.
+    std::string value(const std::string& relative, const char* section, const char* key) const {
+        korv::KIniData ini;
+        std::string value = "<absent>";
+        if (ini.Open(host(relative)))
+            ini.GetStringEntry(section, key, value);
+        return value;
+    }
     bool exists(const std::string& relative) const {
         return std::filesystem::exists(host(relative));
     }

@@ -69,11 +69,10 @@ TEST_F(AliasMachines, AliasCopiesItsParentsRecordsUnderItsOwnNameAndNumbers) {
     MachineTreeMap map = root_with_parent();
     ASSERT_TRUE(getAliasMachines(map));
     ASSERT_EQ(map.size(), 4u);
-    MachineProperties expected[] = {parent_record("100"), parent_record("200")};
+    std::vector<MachineProperties> expected = {parent_record("100"), parent_record("200")};
     expected[0].order_no = "900";
     expected[1].order_no = "901";
-    EXPECT_EQ(map.find("KMX 100 Light")->second,
-              std::vector<MachineProperties>(std::begin(expected), std::end(expected)));
+    EXPECT_EQ(map.find("KMX 100 Light")->second, expected);
 
     const auto& twins = map.find("Twins")->second;
     ASSERT_EQ(twins.size(), 2u);

@@ -1,4 +1,3 @@
-#include "kplatform_profile.h"
 #include "rigcfg_files_fixture.h"
 
 #include <filesystem>
@@ -10,13 +9,6 @@ namespace {
 
 constexpr const char* kLoadIniAfterReset =
     "[1]\r\nProbeSystemName=\r\nProbeSystemSerialNo=\r\n[DriveUnit]\r\nIndex=1\r\n";
-
-std::string profile(const std::string& file, const char* key) {
-    char buffer[4096] = {};
-    korv::platform::GetPrivateProfileStringA("General", key, "<none>", buffer, sizeof buffer,
-                                             file.c_str());
-    return buffer;
-}
 
 class LoaderIni : public FilesTest {
 protected:
@@ -105,11 +97,11 @@ TEST_F(LoaderIni, WriteStoresTheSectionAndResetsLoadIni) {
     set_members("FORM", "KMQ 1:Order-No:4711");
     dlg->INICfgFileIO(kApp, 1);
     EXPECT_TRUE(boxes.empty());
-    EXPECT_EQ(profile(host("sp_load.ini"), "active_section"),
+    EXPECT_EQ(value("sp_load.ini", "General", "active_section"),
               "DRIVEUNIT[KMQ 1:Order-No:4711],TABLE[automatic],"
               "MEASURESTAND[SZ 750 D:vertical],CONTROL[ctl]");
-    EXPECT_EQ(profile(host("sp_load.ini"), "active"), "FORM");
-    EXPECT_EQ(profile(host("sp_load.ini"), "cfg_path"), "loader.cfg");
+    EXPECT_EQ(value("sp_load.ini", "General", "active"), "FORM");
+    EXPECT_EQ(value("sp_load.ini", "General", "cfg_path"), "loader.cfg");
     EXPECT_EQ(read("SP_SUPPORT/load.ini"), kLoadIniAfterReset);
 
     // An empty drive unit writes nothing, and the reset comes all the same.
@@ -143,8 +135,8 @@ TEST_F(LoaderIni, ReadOnlyFormLoadFileIsOpenedUpAndRewritten) {
     fs::permissions(host("form_load.ini"), fs::perms::owner_read, fs::perm_options::replace);
     dlg->m_iniFile = "B.ini";
     dlg->WriteFormLoadIni(std::string(kApp) + "form_load.ini");
-    EXPECT_EQ(profile(host("form_load.ini"), "ini_file"), "B.ini");
-    EXPECT_EQ(profile(host("form_load.ini"), "active_section"),
+    EXPECT_EQ(value("form_load.ini", "General", "ini_file"), "B.ini");
+    EXPECT_EQ(value("form_load.ini", "General", "active_section"),
               "KMQ 1:Order-No:4711,,Table-automatic");
     EXPECT_TRUE(boxes.empty());
 }

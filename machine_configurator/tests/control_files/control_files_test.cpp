@@ -9,14 +9,6 @@ namespace {
 
 constexpr const char* kComment = "       // don't start KorSim [changed by machine configurator]";
 
-std::string value_of(const std::string& file, const char* section, const char* key) {
-    korv::KIniData ini;
-    std::string value = "<absent>";
-    if (ini.Open(file))
-        ini.GetStringEntry(section, key, value);
-    return value;
-}
-
 class ControlFiles : public FilesTest {
 protected:
     void SetUp() override {
@@ -34,10 +26,7 @@ protected:
         write(name + "/machine.ini", "[MACHINE]\r\nBoardType=" + board + "\r\n");
         return std::string(kApp) + name + "\\";
     }
-    std::string korecon(const char* section, const char* key) const {
-        return value_of(host("korecon.ini"), section, key);
-    }
-    std::string launcher_root() const { return value_of(host("launcher.ini"), "general", "root"); }
+    std::string launcher_root() const { return value("launcher.ini", "general", "root"); }
     std::unique_ptr<CMidSpanCfgDlg> dlg;
 };
 
@@ -79,7 +68,7 @@ TEST_F(ControlFiles, RootAndUsbFollowGroupBoardAndProxy) {
         log.clear();
         dlg->UpdateConfigFilesKorEcon();
         EXPECT_EQ(launcher_root(), row.root);
-        EXPECT_EQ(korecon("korecon_ioman", "usb"), row.usb);
+        EXPECT_EQ(value("korecon.ini", "korecon_ioman", "usb"), row.usb);
         EXPECT_EQ(
             has_trace("CMidSpanCfgDlg::UpdateConfigFilesKorEcon; unknown board type \"ppc-a21\" "
                       "from folder \"" +
@@ -161,7 +150,7 @@ TEST_F(ControlFiles, BadInputFilesTakeTheirPaths) {
     configure("FORM", "M", "1", "", std::string(kApp) + "m\\");
     dlg->UpdateConfigFilesKorEcon();
     EXPECT_EQ(launcher_root(), "korecon");
-    EXPECT_EQ(korecon("korecon_ioman", "usb"), "1");
+    EXPECT_EQ(value("korecon.ini", "korecon_ioman", "usb"), "1");
     EXPECT_TRUE(boxes.empty());
 }
 
