@@ -1,6 +1,7 @@
 // Buffered reading and writing through an 8192-byte window, and whole-file
-// reading and writing in one go, the one place where a file is replaced
-// atomically. Failures answer -1 or false and leave lines in the error trace.
+// reading and writing in one go. A whole-file replace goes through the
+// platform's replace_file, so that no crash leaves a torn file. Failures
+// answer -1 or false and leave lines in the error trace.
 #pragma once
 
 #include "kplatform_file.h"
@@ -15,9 +16,9 @@ namespace korv {
 // Write modes: one base value plus the flush and atomic bits.
 inline constexpr int KFF_CREATE_NEW = 0; // fails if the file exists
 inline constexpr int KFF_APPEND = 1;     // opens or creates, writes at the end
-inline constexpr int KFF_REPLACE = 2;    // creates or truncates
+inline constexpr int KFF_REPLACE = 2;    // writer: creates or truncates; whole-file: see below
 inline constexpr int KFF_FLUSH = 4;      // writer: write-through; whole-file: flush before close
-inline constexpr int KFF_ATOMIC = 8;     // whole-file with KFF_REPLACE: through a temporary file
+inline constexpr int KFF_ATOMIC = 8;     // whole-file: what KFF_REPLACE does anyway
 
 inline constexpr std::size_t KFF_BUFFER_SIZE = 8192;
 
@@ -141,8 +142,9 @@ std::int64_t KFastFile_ReadAtOnce(const std::string& path, std::string& out);
 // As ReadAtOnce, then CR LF and a lone CR become LF; the length after that.
 std::int64_t KFastFile_ReadLinesAtOnce(const std::string& path, char* buffer, std::size_t size);
 std::int64_t KFastFile_ReadLinesAtOnce(const std::string& path, std::string& out);
-// Bytes written or -1. KFF_REPLACE | KFF_ATOMIC writes a temporary file beside
-// the target and renames it over the target.
+// Bytes written or -1. KFF_REPLACE, with or without KFF_ATOMIC, writes a
+// temporary file beside the target, flushes it and renames it over the
+// target; a failed write leaves the target as it was (platform::replace_file).
 std::int64_t KFastFile_WriteAtOnce(const std::string& path, const void* data, std::size_t size,
                                    int mode);
 // LF and a lone CR become CR LF first; bytes written after that, or -1.

@@ -3,6 +3,7 @@
 #include "fastfile_lowlevel.h"
 #include "fastfile_scan.h"
 #include "fileops.h"
+#include "kplatform_replace.h"
 
 #include <cerrno>
 #include <cinttypes>
@@ -148,45 +149,50 @@ std::int64_t write_plain(const std::string& path, int mode, bool flush, Body& bo
     return write_and_close(file, body, flush, written) ? static_cast<std::int64_t>(written) : -1;
 }
 
-// Writes a temporary file beside the target, so that the rename stays on one
-// volume and readers see the whole old file or the whole new one.
-template <class Body> std::int64_t write_atomic(const std::string& path, Body& body) {
-    // The folder part is never longer than the path.
-    std::unique_ptr<char[]> folder(new (std::nothrow) char[path.size() + 1]);
-    if (!folder) {
-        KERRTRACE("KFastFile_WriteAtOnce(): malloc() failed");
-        return -1;
-    }
-    if (!file_dirname(path.c_str(), folder.get()))
-        folder[0] = '\0';
-    std::string temp_name;
-    if (!platform::temp_file_name(folder.get(), "ffw", temp_name)) {
-        KERRTRACE("KFastFile_WriteAtOnce(): GetTempFileName() failed:%u", platform::last_error());
-        return -1;
-    }
-    const platform::FileHandle file = detail::openwritefile(temp_name, KFF_REPLACE);
-    if (file == platform::INVALID_FILE_HANDLE) {
+// Replaces the target through a temporary file beside it, flushed and renamed
+// over it: readers and a run killed part-way see the whole old file or the
+// whole new one, and a failed write leaves the old one in place.
+template <class Body> std::int64_t write_replacing(const std::string& path, Body& body) {
+    std::size_t written = 0;
+    const auto put = [&](platform::FileHandle file) { return body(file, written); };
+    platform::ReplaceFailure failed;
+    if (platform::replace_file(path, put, &failed))
+        return static_cast<std::int64_t>(written);
+    const std::uint32_t error = platform::last_error();
+    switch (failed.step) {
+    case platform::ReplaceStep::Target:
+        KERRTRACE("%s(): CreateFile(%s, ...) failed: %u", "openwritefile", path.c_str(), error);
         KERRTRACE("%s(): openwritefile(%s, %d) failed", "KFastFile_WriteAtOnce", path.c_str(),
                   KFF_REPLACE);
-        return -1;
+        break;
+    case platform::ReplaceStep::Create:
+        KERRTRACE("KFastFile_WriteAtOnce(): GetTempFileName() failed:%u", error);
+        break;
+    case platform::ReplaceStep::Write:
+        KERRTRACE("%s(): write64() failed", "KFastFile_WriteAtOnce");
+        break;
+    case platform::ReplaceStep::Flush:
+        KERRTRACE("%s(): FlushFileBuffers() failed: %u", "KFastFile_WriteAtOnce", error);
+        break;
+    case platform::ReplaceStep::Close:
+        KERRTRACE("%s(): CloseHandle() failed: %u", "KFastFile_WriteAtOnce", error);
+        break;
+    case platform::ReplaceStep::Rename:
+    case platform::ReplaceStep::None:
+        KERRTRACE("KFastFile_WriteAtOnce(): file_rename(%s,%s) failed: %s", failed.temp.c_str(),
+                  path.c_str(), platform::error_text(error).c_str());
+        break;
     }
-    std::size_t written = 0;
-    bool failed = !write_and_close(file, body, true, written);
-    // The rename runs after a failed write too, as it always has.
-    if (!file_rename(temp_name, path)) {
-        KERRTRACE("KFastFile_WriteAtOnce(): file_rename(%s,%s) failed: %s", temp_name.c_str(),
-                  path.c_str(), platform::error_text(platform::last_error()).c_str());
-        failed = true;
-    }
-    return failed ? -1 : static_cast<std::int64_t>(written);
+    return -1;
 }
 
-// The whole-file write by mode: the flush bit taken out, atomic or in place.
+// The whole-file write by mode: every replace goes through a temporary file
+// (the atomic bit asks for nothing more), and always flushes.
 template <class Body> std::int64_t write_by_mode(const std::string& path, int mode, Body& body) {
     const bool flush = (mode & KFF_FLUSH) != 0;
     mode &= ~KFF_FLUSH;
-    if (mode == (KFF_REPLACE | KFF_ATOMIC))
-        return write_atomic(path, body);
+    if ((mode & ~KFF_ATOMIC) == KFF_REPLACE)
+        return write_replacing(path, body);
     return write_plain(path, mode, flush, body);
 }
 

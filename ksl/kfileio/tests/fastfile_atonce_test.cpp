@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <set>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -75,11 +76,12 @@ TEST_F(FastFileAtOnce, FailuresLeaveTheFileAndEmptyTheString) {
         traced("KFastFile_ReadAtOnce(): KFastFile_ReadAtOnce(\"" + dir.path() + "\",..,0) failed"));
 }
 
-TEST_F(FastFileAtOnce, AtomicReplaceLeavesNoTemporaryFileAndFlushBitChangesNothing) {
+TEST_F(FastFileAtOnce, EveryReplaceIsAtomicAndLeavesNoTemporaryFile) {
     ScratchRoot root;
     root.write("drive_c/Korv/Cfg/RigCfg.ini", "old content");
     const std::string path = "C:\\korv\\CFG\\rigcfg.INI"; // mixed case, as real data has
-    for (const int mode : {KFF_REPLACE | KFF_ATOMIC, KFF_REPLACE | KFF_ATOMIC | KFF_FLUSH}) {
+    for (const int mode :
+         {KFF_REPLACE, KFF_REPLACE | KFF_ATOMIC, KFF_REPLACE | KFF_ATOMIC | KFF_FLUSH}) {
         const std::string old_text = root.read("drive_c/Korv/Cfg/RigCfg.ini");
         KFastFileReader before(path); // reads nothing until asked
         const std::string text = "mode " + std::to_string(mode);
@@ -108,15 +110,18 @@ TEST_F(FastFileAtOnce, AtomicReplaceWithoutFolderWorksInTheCurrentDirectory) {
     EXPECT_EQ(names_in(dir.path()), std::set<std::string>{"plain.txt"});
 }
 
-TEST_F(FastFileAtOnce, FailedAtomicRenameReportsAndLeavesTheTemporaryFile) {
+TEST_F(FastFileAtOnce, AReplaceThatCannotHappenLeavesTheTargetAndNoTemporaryFile) {
     ScratchDir dir;
     std::filesystem::create_directory(dir / "target");
-    EXPECT_EQ(KFastFile_WriteAtOnce(dir / "target", "abc", 3, 10), -1);
-    const std::set<std::string> names = names_in(dir.path());
-    ASSERT_EQ(names.size(), 2u);
-    const std::string temp = *names.begin(); // "ffwXXXX.tmp" sorts before "target"
-    EXPECT_EQ(dir.read(temp), "abc");
-    EXPECT_EQ(trace().size(), 2u);
+    dir.write("ro.txt", "read only");
+    ::chmod((dir / "ro.txt").c_str(), 0444);
+    for (const char* name : {"target", "ro.txt"}) {
+        EXPECT_EQ(KFastFile_WriteAtOnce(dir / name, "abc", 3, KFF_REPLACE), -1) << name;
+        EXPECT_TRUE(traced("KFastFile_WriteAtOnce(): openwritefile(" + dir / name + ", 2) failed"))
+            << name;
+    }
+    EXPECT_EQ(dir.read("ro.txt"), "read only");
+    EXPECT_EQ(names_in(dir.path()), (std::set<std::string>{"ro.txt", "target"}));
 }
 
 // Runs in a child whose files cannot grow past `limit` bytes; 0 if all checks hold.
@@ -127,21 +132,24 @@ template <typename Check> void run_with_file_limit(rlim_t limit, Check check) {
     std::_Exit(check());
 }
 
-TEST_F(FastFileAtOnceDeathTest, FailedAtomicWriteStillReplacesTheTargetWithWhatWasWritten) {
+TEST_F(FastFileAtOnceDeathTest, AFailedWriteLeavesTheOldTargetWhole) {
     ScratchDir dir;
     dir.write("target.txt", "old");
     const std::string data(1000, 'n');
-    EXPECT_EXIT(run_with_file_limit(
-                    100,
-                    [&] {
-                        const std::int64_t result =
-                            KFastFile_WriteAtOnce(dir / "target.txt", data.data(), data.size(), 10);
-                        return (result == -1 ? 0 : 1) |
-                               (dir.read("target.txt") == data.substr(0, 100) ? 0 : 2) |
-                               (names_in(dir.path()).size() == 1 ? 0 : 4) |
-                               (traced("KFastFile_WriteAtOnce(): write64() failed") ? 0 : 8);
-                    }),
-                ::testing::ExitedWithCode(0), "");
+    for (const int mode : {KFF_REPLACE, KFF_REPLACE | KFF_ATOMIC}) {
+        EXPECT_EXIT(run_with_file_limit(
+                        100,
+                        [&] {
+                            const std::int64_t result = KFastFile_WriteLinesAtOnce(
+                                dir / "target.txt", data.data(), data.size(), mode);
+                            return (result == -1 ? 0 : 1) |
+                                   (dir.read("target.txt") == "old" ? 0 : 2) |
+                                   (names_in(dir.path()).size() == 1 ? 0 : 4) |
+                                   (traced("KFastFile_WriteAtOnce(): write64() failed") ? 0 : 8);
+                        }),
+                    ::testing::ExitedWithCode(0), "")
+            << mode;
+    }
 }
 
 TEST_F(FastFileAtOnce, CopyFile) {

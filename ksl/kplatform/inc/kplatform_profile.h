@@ -12,9 +12,10 @@
 // - a missing file, section or key gives the default, without its trailing
 //   spaces;
 // - a value longer than the buffer is cut to fit with its terminator.
-// Writes change the file in place: a value is replaced on its line, a new key
+// Writes change the text in place: a value is replaced on its line, a new key
 // goes behind the last key of its section, a new section at the end of the
-// file, which is created if missing (its folder is not). New lines end in
+// file, which is created if missing (its folder is not). The file is replaced
+// whole (replace_file), and a file that is not writable is refused. New lines end in
 // CR LF. A relative path resolves against the current directory. Paths may be
 // Windows-style. A parsed file is kept until its size or time stamps change.
 #pragma once

@@ -4,6 +4,7 @@
 
 #include "kplatform_file.h"
 #include "kplatform_paths.h"
+#include "kplatform_replace.h"
 
 #include <cerrno>
 #include <cstring>
@@ -263,26 +264,6 @@ DWORD copy_list(const std::vector<std::string_view>& items, char* buffer, DWORD 
     return size - 2;
 }
 
-bool write_file(const std::string& native, const std::string& text) {
-    const int fd = ::open(native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (fd < 0)
-        return false;
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t put = ::write(fd, text.data() + done, text.size() - done);
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0) {
-            const int error = put < 0 ? errno : EIO;
-            ::close(fd);
-            errno = error;
-            return false;
-        }
-        done += static_cast<std::size_t>(put);
-    }
-    return ::close(fd) == 0;
-}
-
 bool ends_with_line_break(const std::string& text) {
     return text.empty() || text.back() == '\n' || text.back() == '\r';
 }
@@ -425,10 +406,9 @@ BOOL WritePrivateProfileStringA(const char* section, const char* key, const char
     if (!change(*profile, trim_spaces(section), key, value, text))
         return 1;
     forget(native);
-    if (!write_file(native, text)) {
-        set_last_error(static_cast<std::uint32_t>(errno));
+    // Whole or not at all: a run killed here leaves the old file or the new one.
+    if (!replace_file(native, text))
         return 0;
-    }
     set_last_error(0);
     return 1;
 }

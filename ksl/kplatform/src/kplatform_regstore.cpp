@@ -4,6 +4,7 @@
 
 #include "kplatform_paths.h"
 #include "kplatform_registry.h"
+#include "kplatform_replace.h"
 
 #include <cerrno>
 #include <cstring>
@@ -151,43 +152,6 @@ private:
     int m_error = 0;
 };
 
-bool write_all(int fd, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t put = ::write(fd, text.data() + done, text.size() - done);
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<std::size_t>(put);
-    }
-    return true;
-}
-
-// Writes the registry beside the file and renames it over the file.
-LONG replace_file(const std::string& path, const Registry& registry, mode_t mode) {
-    std::string temp = path + ".XXXXXX";
-    const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
-    if (fd < 0)
-        return win32_error_from_errno(errno);
-    const std::string text = regfile::serialise(registry);
-    bool ok = ::fchmod(fd, mode) == 0 && write_all(fd, text) && ::fsync(fd) == 0;
-    int error = ok ? 0 : errno;
-    if (::close(fd) != 0 && ok) {
-        ok = false;
-        error = errno;
-    }
-    if (ok && ::rename(temp.c_str(), path.c_str()) != 0) {
-        ok = false;
-        error = errno;
-    }
-    if (!ok) {
-        ::unlink(temp.c_str());
-        return win32_error_from_errno(error);
-    }
-    return ERROR_SUCCESS;
-}
-
 } // namespace
 
 std::mutex& regstore::mutex() {
@@ -211,14 +175,9 @@ LONG regstore::modify(const std::function<LONG(Registry&, bool&)>& change) {
     if (result != ERROR_SUCCESS || !changed)
         return result;
 
-    mode_t mode = 0644;
-    struct stat st;
-    if (now.state.exists && ::stat(now.path.c_str(), &st) == 0)
-        mode = st.st_mode & 07777;
     const std::string path = now.path;
-    const LONG written = replace_file(path, copy, mode);
-    if (written != ERROR_SUCCESS)
-        return written;
+    if (!replace_file(path, regfile::serialise(copy)))
+        return win32_error_from_errno(static_cast<int>(last_error()));
     FileState state;
     int error = 0;
     if (stat_file(path, state, error)) {

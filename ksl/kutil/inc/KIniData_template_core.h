@@ -25,7 +25,9 @@ namespace korv {
 // Behaviour bits, fixed at construction.
 inline constexpr std::uint32_t KINI_RELAXED_LINES = 1;    // lines without a name or '=' are entries
 inline constexpr std::uint32_t KINI_REPLACE_SECTIONS = 2; // a repeated header replaces; implies 1
-inline constexpr std::uint32_t KINI_NO_OPEN = 4;      // the path constructor only stores the path
+inline constexpr std::uint32_t KINI_NO_OPEN = 4; // the path constructor only stores the path
+// Every Save writes a temporary file, flushes it and renames it over the file,
+// so these two ask for nothing more; they stay for the interface.
 inline constexpr std::uint32_t KINI_SAVE_FLUSH = 8;   // Save flushes to disk before closing
 inline constexpr std::uint32_t KINI_SAVE_ATOMIC = 16; // Save writes a temporary file and renames
 inline constexpr std::uint32_t KINI_REPLACE_ENTRIES =
@@ -187,6 +189,7 @@ public:
     bool Open(const std::string& file_name);
     bool Close();
     bool Reopen();
+    // Replaces the file whole, or leaves it as it was (platform::replace_file).
     bool Save();
 
     // Every line, LF-terminated: the lines before the first section, then the
