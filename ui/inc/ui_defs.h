@@ -47,6 +47,16 @@ inline constexpr unsigned SWP_NOZORDER = 0x0004;
 inline constexpr unsigned SWP_SHOWWINDOW = 0x0040;
 inline constexpr unsigned SWP_HIDEWINDOW = 0x0080;
 
+// OnSize types.
+inline constexpr unsigned SIZE_RESTORED = 0;
+inline constexpr unsigned SIZE_MINIMIZED = 1;
+inline constexpr unsigned SIZE_MAXIMIZED = 2;
+
+// Hit test answers.
+inline constexpr int HTNOWHERE = 0;
+inline constexpr int HTCLIENT = 1;
+inline constexpr int HTBOTTOMRIGHT = 17;
+
 using COLORREF = std::uint32_t;
 // The data a program keeps with a list item.
 using DWORD_PTR = std::uintptr_t;

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "ui_controls.h"
+#include "ui_dialog_look.h"
 #include "ui_dialog_template.h"
 
 #include <functional>
@@ -83,6 +84,19 @@ public:
     // IDOK runs OnOK and one on IDCANCEL runs OnCancel. True if something ran.
     virtual bool OnCommand(int id, int code);
 
+    // The window icon, `icon_id` naming its image; one image serves both sizes.
+    void SetIcon(int icon_id, bool big_icon);
+    // What the dialog draws besides its controls. The object keeps it, not the
+    // window, so a constructor may set it.
+    const DialogLook& look() const { return m_look; }
+    void set_look(DialogLook look);
+
+    // Where a point of the client area (dialog units) lies: HTCLIENT, or a
+    // part of the frame that a user can drag, such as HTBOTTOMRIGHT.
+    virtual int OnNcHitTest(int x, int y) const;
+    // The limits a user may size the window within.
+    virtual void OnGetMinMaxInfo(SizeLimits& /*limits*/) const {}
+
     // --- The model, for hosts and data exchange.
     int template_id() const { return m_nIDTemplate; }
     bool has_window() const { return m_created; }
@@ -126,6 +140,10 @@ public:
     InputResult UserSetText(int id, const std::string& text);
     // The close box: a click on IDCANCEL, whether or not the control exists.
     void UserClose();
+    // The user sized the window, whose client area is now `cx` by `cy` dialog
+    // units (`type` SIZE_...): OnSize follows unless nothing changed. A
+    // minimised window keeps its size.
+    InputResult UserResize(unsigned type, int cx, int cy);
 
 protected:
     virtual void DoDataExchange(CDataExchange* pDX);
@@ -137,6 +155,10 @@ protected:
     virtual void OnCancel();
     // A child dialog was shown or hidden.
     virtual void OnShowWindow(bool /*bShow*/, unsigned /*nStatus*/) {}
+    // The client area is now `cx` by `cy` dialog units.
+    virtual void OnSize(unsigned /*type*/, int /*cx*/, int /*cy*/) {}
+    // The window is about to go; its controls are still there.
+    virtual void OnDestroy() {}
 
     WindowState* state() const override;
     void changed() const override;
@@ -168,6 +190,7 @@ private:
     bool m_modalEnded = false;
     int m_nModalResult = -1;
     bool m_toolTipsActive = false;
+    DialogLook m_look;
 };
 
 // Replaces the caption of `window`, a dialog, and the texts of its controls,

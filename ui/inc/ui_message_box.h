@@ -23,6 +23,11 @@ inline constexpr unsigned MB_ICONQUESTION = 0x20;
 inline constexpr unsigned MB_ICONWARNING = 0x30;
 inline constexpr unsigned MB_ICONINFORMATION = 0x40;
 inline constexpr unsigned MB_ICONMASK = 0xF0;
+// Which button is the default: the first unless one of these says otherwise.
+inline constexpr unsigned MB_DEFBUTTON1 = 0x000;
+inline constexpr unsigned MB_DEFBUTTON2 = 0x100;
+inline constexpr unsigned MB_DEFBUTTON3 = 0x200;
+inline constexpr unsigned MB_DEFMASK = 0xF00;
 
 // Shows `text` with the buttons and icon of `nType` and returns the button
 // chosen: IDOK, IDCANCEL, IDYES, IDNO, ... 0 with an error log line if no host
@@ -39,6 +44,9 @@ struct MessageBoxButtons {
     bool offers(int answer) const;
 };
 const MessageBoxButtons& message_box_buttons(unsigned nType);
+// The index of the default button among the box's buttons: MB_DEFBUTTON2 and
+// MB_DEFBUTTON3 where the box has that many, else the first.
+int message_box_default_index(unsigned nType);
 // "error", "question", "warning", "information", or "" for none.
 const char* message_box_icon(unsigned nType);
 

@@ -38,8 +38,20 @@ public:
     // Hands each argument after the program name to `info`.
     void ParseCommandLine(CCommandLineInfo& info) const;
 
+    // The application profile, the ini file m_pszProfileName. Reads give the
+    // default when the file, section or entry is missing or the value is no
+    // number; writes answer false, with an error log line, on failure.
+    int GetProfileInt(const std::string& section, const std::string& entry, int nDefault) const;
+    bool WriteProfileInt(const std::string& section, const std::string& entry, int nValue);
+    std::string GetProfileString(const std::string& section, const std::string& entry,
+                                 const std::string& fallback = {}) const;
+    bool WriteProfileString(const std::string& section, const std::string& entry,
+                            const std::string& value);
+
     CWnd* m_pMainWnd = nullptr;
     std::string m_pszAppName;
+    // "<app name>.INI" in the Windows folder, as the platform has it, unless set.
+    std::string m_pszProfileName;
     std::vector<std::string> m_arguments; // argv, the program name first
 };
 

@@ -60,6 +60,8 @@ bool CDialog::create_window(int nIDTemplate, const char* caller) {
 void CDialog::destroy_window(bool notify) {
     while (!m_children.empty())
         m_children.back()->destroy_window(notify);
+    if (notify)
+        OnDestroy(); // from the destructor the derived part is gone already
     if (m_parentDialog) {
         auto& siblings = m_parentDialog->m_children;
         siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
@@ -258,6 +260,23 @@ void CDialog::set_tool_tips_active(bool active) {
         m_toolTipsActive = active;
         changed();
     }
+}
+
+void CDialog::SetIcon(int icon_id, bool /*big_icon*/) {
+    if (m_look.icon != icon_id) {
+        m_look.icon = icon_id;
+        changed();
+    }
+}
+
+void CDialog::set_look(DialogLook look) {
+    m_look = std::move(look);
+    changed();
+}
+
+int CDialog::OnNcHitTest(int x, int y) const {
+    const CRect& r = m_window.rect;
+    return x >= 0 && y >= 0 && x < r.Width() && y < r.Height() ? HTCLIENT : HTNOWHERE;
 }
 
 void CDialog::MapCommand(int code, int id, std::function<void()> handler) {

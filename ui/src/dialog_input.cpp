@@ -126,4 +126,20 @@ void CDialog::UserClose() {
     OnCommand(IDCANCEL, BN_CLICKED);
 }
 
+InputResult CDialog::UserResize(unsigned type, int cx, int cy) {
+    if (!m_created)
+        return InputResult::NoSuchControl;
+    if (type == SIZE_MINIMIZED)
+        return InputResult::Unchanged;
+    if (cx < 0 || cy < 0)
+        return InputResult::NotApplicable;
+    CRect& r = m_window.rect;
+    if (r.Width() == cx && r.Height() == cy)
+        return InputResult::Unchanged;
+    r.right = r.left + cx;
+    r.bottom = r.top + cy;
+    OnSize(type, cx, cy);
+    return InputResult::Done;
+}
+
 } // namespace korv::ui

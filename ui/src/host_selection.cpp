@@ -4,6 +4,7 @@
 #include "kplatform_module.h"
 #include "ui_headless_host.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 #ifdef _WIN32
@@ -51,12 +52,24 @@ void choose(Selection& s) {
         s.why_none = "KORV_UI_SCRIPT is not set and " + why;
 }
 
+// A person at a terminal sees nothing of the error log: one line says why.
+void tell_no_host(const std::string& why) {
+    const std::string exe = korv::platform::executable_path();
+    const std::size_t slash = exe.find_last_of("/\\");
+    const std::string name = slash == std::string::npos ? exe : exe.substr(slash + 1);
+    std::fprintf(stderr, "%s: no dialog can be shown: %s\n", name.empty() ? "ui" : name.c_str(),
+                 why.c_str());
+}
+
 } // namespace
 
 Host* active_host() {
     Selection& s = selection();
-    if (!s.chosen)
+    if (!s.chosen) {
         choose(s);
+        if (!s.host)
+            tell_no_host(s.why_none);
+    }
     return s.host.get();
 }
 
@@ -93,7 +106,17 @@ std::unique_ptr<Host> load_toolkit_host(const std::string& path, std::string& wh
         return nullptr;
     }
     std::unique_ptr<Host> host(factory(kHostAbi));
-    if (!host)
+    if (host)
+        return host;
+#ifdef _WIN32
+    auto refusal = reinterpret_cast<HostRefusal>(::GetProcAddress(module, kHostRefusalEntryPoint));
+#else
+    auto refusal = reinterpret_cast<HostRefusal>(::dlsym(module, kHostRefusalEntryPoint));
+#endif
+    const char* reason = refusal ? refusal() : nullptr;
+    if (reason && *reason)
+        why = "the toolkit module " + path + " cannot show dialogs: " + reason;
+    else
         why =
             "the toolkit module " + path + " refused interface version " + std::to_string(kHostAbi);
     return host;

@@ -35,6 +35,11 @@ const MessageBoxButtons& message_box_buttons(unsigned nType) {
     return type < std::size(kButtons) ? kButtons[type] : kButtons[0];
 }
 
+int message_box_default_index(unsigned nType) {
+    const int index = static_cast<int>((nType & MB_DEFMASK) >> 8);
+    return index < message_box_buttons(nType).count ? index : 0;
+}
+
 const char* message_box_icon(unsigned nType) {
     switch (nType & MB_ICONMASK) {
     case MB_ICONERROR:
