@@ -1,0 +1,27 @@
+# Every symbol of the model that the module takes from the program must be
+# exported by the program, or loading the module fails at run time.
+# -DMODULE=<module> -DPROGRAM=<executable>
+execute_process(COMMAND nm -D --undefined-only ${MODULE} OUTPUT_VARIABLE needed RESULT_VARIABLE rc1)
+execute_process(COMMAND nm -D --defined-only ${PROGRAM} OUTPUT_VARIABLE offered RESULT_VARIABLE rc2)
+if(NOT rc1 EQUAL 0 OR NOT rc2 EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${MODULE} or ${PROGRAM}")
+endif()
+string(REGEX MATCHALL "[^\n]+" needed_lines "${needed}")
+set(missing "")
+set(count 0)
+foreach(line ${needed_lines})
+  string(REGEX REPLACE "^ *U +" "" symbol "${line}")
+  # The model's and the foundation's symbols; libraries' carry versions.
+  if(symbol MATCHES "korv|^_KErr|^_KTrace|Translate")
+    math(EXPR count "${count} + 1")
+    string(FIND "${offered}" " ${symbol}\n" at)
+    if(at EQUAL -1)
+      list(APPEND missing ${symbol})
+    endif()
+  endif()
+endforeach()
+if(missing)
+  string(REPLACE ";" "\n  " missing "${missing}")
+  message(FATAL_ERROR "${PROGRAM} does not export what the module needs:\n  ${missing}")
+endif()
+message(STATUS "all ${count} symbols the module takes from the program are there")
