@@ -1,6 +1,5 @@
 // The reader of a form station's calibration data over pairs made byte by byte.
 #include "caldat_pair_bytes.h"
-#include "errtrace.h"
 #include "log_capture.h"
 #include "scratch_dir.h"
 #include "wizard/CaldatFormPC.h"
@@ -8,131 +7,57 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <filesystem>
 
 namespace {
 
 using namespace caldat_test;
 
-class CaldatFormPCTest : public ::testing::Test {
-protected:
-    void SetUp() override { _KTrace_SetLevel("RigCfg", 5); }
-    void TearDown() override {
-        CloseKeyFiles();
-        korv::diag::reset_log_settings();
-    }
-
-    std::vector<std::string> Probes(CCaldatFormPC& reader) {
-        std::vector<std::string> probes;
-        for (std::string probe; reader.GetFirstProbe(probe);)
-            probes.push_back(probe);
-        return probes;
-    }
-
+TEST(CaldatFormPC, ReadsProbesLengthsSubsAndReferences) {
     korv::testing::ScratchDir dir;
     korv::testing::LogCapture log;
-};
-
-TEST_F(CaldatFormPCTest, ReadsProbesLengthsSubsAndReferences) {
     ASSERT_TRUE(WritePair(dir / "tree.", TwoProbeTree()));
-    CCaldatFormPC reader(dir / "tree.dat");
-    EXPECT_EQ(reader.m_fileName, dir / "tree.dat");
-    EXPECT_EQ(Probes(reader), (std::vector<std::string>{"P1", "P2"}));
-
-    const struct {
-        const char* probe;
-        bool ok;
-        const char* length1;
-        const char* length2;
-    } lengths[] = {
-        {"P1", true, "  10.500 mm", "  20.250 mm"},
-        {"P2", true, "   1.000 mm", "  -2.125 mm"},
-        {"P9", false, "", ""},
-        {"", false, "", ""},
-    };
-    for (const auto& c : lengths) {
-        std::string out = "stale";
-        EXPECT_EQ(reader.GetLength1(c.probe, out), c.ok) << c.probe;
-        EXPECT_EQ(out, c.length1) << c.probe;
-        out = "stale";
-        EXPECT_EQ(reader.GetLength2(c.probe, out), c.ok) << c.probe;
-        EXPECT_EQ(out, c.length2) << c.probe;
-    }
-
-    const struct {
-        const char* probe;
-        const char* sub;
-        const char* reference; // empty: none found
-    } references[] = {
-        {"P1", "S1", "  12.500 \xC2\xB0"},           {"P1", "S2", "This probe has no reference !"},
-        {"P2", "T1", "  -3.250 \xC2\xB0"},           {"P2", "S1", ""},
-        {"P1", "", "This probe has no reference !"}, // an empty sub: the probe's own record
-    };
-    for (const auto& c : references) {
-        std::string out = "stale";
-        EXPECT_EQ(reader.GetReference(c.probe, c.sub, out), *c.reference != '\0') << c.sub;
-        EXPECT_EQ(out, c.reference) << c.probe << "/" << c.sub;
-    }
-
-    std::vector<std::string> subs;
-    for (std::string sub; reader.GetNextSub("P1", sub);)
-        subs.push_back(sub);
-    EXPECT_EQ(subs, (std::vector<std::string>{"S1", "S2"}));
-    std::string out = "stale";
-    EXPECT_FALSE(reader.GetNextSub("P9", out));
-    EXPECT_EQ(out, "");
-    // Failures stay in the trace; the error log gets nothing.
-    EXPECT_EQ(log.errors(), std::vector<std::string>{});
-    EXPECT_EQ(korv::diag::error_trace_lines(), std::vector<std::string>{});
-    bool traced = false;
-    for (const std::string& line : log.traces())
-        traced = traced || line.find("GetLength1(): FindKey(): no first key") == 0;
-    EXPECT_TRUE(traced);
-}
-
-TEST_F(CaldatFormPCTest, AnEnumerationLeftEarlyGoesOnWithItsOwnPatterns) {
-    ASSERT_TRUE(WritePair(dir / "tree.", TwoProbeTree()));
-    CCaldatFormPC reader(dir / "tree.dat");
-    std::string out;
-    ASSERT_TRUE(reader.GetFirstProbe(out));
-    EXPECT_EQ(out, "P1");
-    // The probe enumeration is still running: its next hit is a top node,
-    // which has no second key.
-    EXPECT_FALSE(reader.GetNextSub("P1", out));
-    EXPECT_EQ(out, "");
-    EXPECT_FALSE(reader.GetFirstProbe(out)); // P2 went to the call before
-    EXPECT_TRUE(reader.GetNextSub("P1", out));
-    EXPECT_EQ(out, "S1");
-}
-
-TEST_F(CaldatFormPCTest, OpensCreatesAndSwitchesPairs) {
-    const std::string fresh = dir / "fresh";
     {
-        CCaldatFormPC reader(fresh);
-        EXPECT_TRUE(KeyFilesOpen());
-        EXPECT_EQ(ReadBytes(fresh + "KKY"), "");
-        EXPECT_TRUE(std::ifstream(fresh + "KKL").good());
+        CCaldatFormPC reader(dir / "new"); // creates newKKY and newKKL, empty
         std::string out = "stale";
         EXPECT_FALSE(reader.GetFirstProbe(out));
         EXPECT_EQ(out, "");
+        EXPECT_TRUE(std::filesystem::exists(dir / "newKKL"));
+        reader.SetFile(dir / "tree.dat");
+        EXPECT_EQ(reader.m_fileName, dir / "tree.dat");
 
-        ASSERT_TRUE(WritePair(dir / "tree.", TwoProbeTree()));
-        reader.SetFile(dir / "tree.KKY");
-        EXPECT_EQ(reader.m_fileName, dir / "tree.KKY");
-        EXPECT_EQ(Probes(reader), (std::vector<std::string>{"P1", "P2"}));
+        // Left after P1, the probe enumeration takes the next call, whatever it asks.
+        ASSERT_TRUE(reader.GetFirstProbe(out));
+        EXPECT_EQ(out, "P1");
+        EXPECT_FALSE(reader.GetNextSub("P1", out)); // P2 went here
+        EXPECT_FALSE(reader.GetFirstProbe(out));
+        for (const char* sub : {"S1", "S2"})
+            EXPECT_TRUE(reader.GetNextSub("P1", out) && out == sub) << out;
+        EXPECT_FALSE(reader.GetNextSub("P1", out));
+
+        const struct {
+            const char *probe, *sub, *text; // sub null: the lengths; text empty: none
+        } reads[] = {
+            {"P1", nullptr, "  10.500 mm|  20.250 mm"},
+            {"P2", nullptr, "   1.000 mm|  -2.125 mm"},
+            {"P9", nullptr, "|"},
+            {"", nullptr, "|"},
+            {"P1", "S1", "  12.500 \xC2\xB0"},
+            {"P1", "S2", "This probe has no reference !"},
+            {"P2", "T1", "  -3.250 \xC2\xB0"},
+            {"P1", "", "This probe has no reference !"}, // the probe's own record
+            {"P2", "S1", ""},
+        };
+        for (const auto& r : reads) {
+            std::string a = "stale", b = "stale";
+            const bool ok = r.sub ? reader.GetReference(r.probe, r.sub, a)
+                                  : reader.GetLength1(r.probe, a) & reader.GetLength2(r.probe, b);
+            EXPECT_EQ(r.sub ? a : a + "|" + b, r.text) << r.probe;
+            EXPECT_EQ(ok, std::string(r.text).size() > 1) << r.probe;
+        }
     }
-    EXPECT_FALSE(KeyFilesOpen()); // the destructor closed it
-
-    // A pair that cannot be opened leaves every answer false.
-    CCaldatFormPC reader(dir / "missing/p.dat");
-    EXPECT_FALSE(KeyFilesOpen());
-    reader.SetFile(dir / "missing/q.dat");
-    EXPECT_FALSE(KeyFilesOpen());
-    std::string out = "stale";
-    EXPECT_FALSE(reader.GetFirstProbe(out));
-    EXPECT_FALSE(reader.GetLength1("P1", out));
-    EXPECT_EQ(out, "");
+    EXPECT_FALSE(KeyFilesOpen()); // the destructor closed the pair
+    EXPECT_EQ(log.errors(), std::vector<std::string>{});
 }
 
 } // namespace
