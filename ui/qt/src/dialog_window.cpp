@@ -249,6 +249,9 @@ void DialogWindow::sync_controls(int id) {
 }
 
 void DialogWindow::sync_item(std::size_t index) {
+    // A dialog whose window went has no controls left to show.
+    if (index >= m_dialog.controls().size() || index >= m_items.size())
+        return;
     const ControlState& c = m_dialog.controls()[index];
     Item& item = m_items[index];
     QWidget* w = item.widget;
@@ -334,7 +337,7 @@ void DialogWindow::sync_item(std::size_t index) {
 }
 
 void DialogWindow::sync_window() {
-    if (!m_attached)
+    if (!m_attached || !m_dialog.has_window())
         return;
     const bool was_syncing = m_syncing;
     m_syncing = true;

@@ -52,6 +52,16 @@ bool display_reachable(std::string& why) {
     return true;
 }
 
+// Qt's own notes go to the trace, its errors to the error log, not to the
+// terminal of a person who did not ask for them.
+void route_qt_messages(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    const QByteArray bytes = text.toLocal8Bit();
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        KERRLOG("Qt: %s", bytes.constData());
+    else
+        KTRACE(3, "Qt: %s", bytes.constData());
+}
+
 } // namespace
 
 bool ensure_application(std::string& why) {
@@ -68,6 +78,7 @@ bool ensure_application(std::string& why) {
     static char* argv[] = {name.data(), nullptr};
     if (!std::getenv("QT_QPA_PLATFORM"))
         ::setenv("QT_QPA_PLATFORM", "xcb", 0);
+    qInstallMessageHandler(route_qt_messages);
     g_app = new QApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false); // runs are nested loops, not exec()
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+#include <QTextEdit>
 
 using namespace sample;
 using qt_test::control;
@@ -71,6 +72,9 @@ TEST_F(QtHostTest, TheSampleDialogTakesTypingChecksAndSelectionsThroughItsWidget
             numbers->setFocus();
             QTest::keyClick(numbers, Qt::Key_Down);
             EXPECT_EQ(control<QLineEdit>(w, kFixedText)->text(), "fixed");
+            auto* summary = control<QTextEdit>(w, kSummary);
+            EXPECT_TRUE(summary->isReadOnly());
+            EXPECT_EQ(summary->palette().color(QPalette::Base), QColor(0xC0, 0xC0, 0xC0));
             EXPECT_TRUE(control<QRadioButton>(w, kThird)->isChecked());
             EXPECT_FALSE(control<QRadioButton>(w, kFirst)->isChecked());
             EXPECT_TRUE(control<QCheckBox>(w, kMiddleCheck)->isVisible());
