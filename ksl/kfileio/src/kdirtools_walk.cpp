@@ -8,6 +8,8 @@
 #include <cstring>
 #include <dirent.h>
 #include <sys/stat.h>
+#include <utility>
+#include <vector>
 
 namespace korv {
 namespace {
@@ -34,7 +36,21 @@ bool is_directory(const std::string& folder_native, const dirent& entry) {
     return ::stat(native.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-Walk walk(const std::string& path, const Callbacks& callbacks) {
+// The folders from the start of a walk down to the one being listed, by
+// device and inode: a link back to one of them is not followed.
+using Ancestors = std::vector<std::pair<dev_t, ino_t>>;
+
+bool leads_back(const std::string& native, const Ancestors& ancestors) {
+    struct stat st;
+    if (::stat(native.c_str(), &st) != 0)
+        return false;
+    for (const auto& [device, inode] : ancestors)
+        if (device == st.st_dev && inode == st.st_ino)
+            return true;
+    return false;
+}
+
+Walk walk(const std::string& path, const Callbacks& callbacks, Ancestors& ancestors) {
     std::string base = path;
     while (base.size() > 1 && platform::is_path_separator(base.back()) &&
            !(base.size() == 3 && base[1] == ':'))
@@ -47,6 +63,12 @@ Walk walk(const std::string& path, const Callbacks& callbacks) {
         KERRTRACE("iterateDirectory(): FindFirstFile(%s) == INVALID_HANDLE_VALUE", pattern.c_str());
         return Walk::Failed;
     }
+
+    struct stat self;
+    if (::fstat(::dirfd(dir), &self) == 0)
+        ancestors.emplace_back(self.st_dev, self.st_ino);
+    else
+        ancestors.emplace_back(0, 0);
 
     Walk result = Walk::Done;
     for (;;) {
@@ -68,8 +90,12 @@ Walk walk(const std::string& path, const Callbacks& callbacks) {
                 result = Walk::Stopped;
                 break;
             }
-            if (callbacks.flags & KDIR_RECURSIVE) {
-                const Walk below = walk(full, callbacks);
+            if ((callbacks.flags & KDIR_RECURSIVE) &&
+                leads_back(native + "/" + entry->d_name, ancestors)) {
+                KTRACE(2, "iterateDirectory(): %s leads back to a folder above it, not entered",
+                       full.c_str());
+            } else if (callbacks.flags & KDIR_RECURSIVE) {
+                const Walk below = walk(full, callbacks, ancestors);
                 if (below == Walk::Stopped) {
                     result = Walk::Stopped;
                     break;
@@ -84,6 +110,7 @@ Walk walk(const std::string& path, const Callbacks& callbacks) {
         }
     }
     ::closedir(dir);
+    ancestors.pop_back();
     return result;
 }
 
@@ -91,8 +118,9 @@ Walk walk(const std::string& path, const Callbacks& callbacks) {
 
 bool iterateDirectory(const std::string& path, int flags, DirWalkCallback on_directory,
                       void* directory_data, DirWalkCallback on_file, void* file_data) {
-    return walk(path, Callbacks{flags, on_directory, directory_data, on_file, file_data}) ==
-           Walk::Done;
+    Ancestors ancestors;
+    return walk(path, Callbacks{flags, on_directory, directory_data, on_file, file_data},
+                ancestors) == Walk::Done;
 }
 
 bool deleteFile(void* /*unused*/, const std::string& path) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
 #include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -144,6 +145,23 @@ TEST_F(DirTools, FoldersThatCantBeReadAreLoggedAndSkipped) {
                                 "C:\\tree\\z\\b.txt"}));
     EXPECT_EQ(take_trace(), Entries{"iterateDirectory(): FindFirstFile(C:\\tree\\locked\\*) == "
                                     "INVALID_HANDLE_VALUE"});
+}
+
+TEST_F(DirTools, LinksBackUpTheTreeAreListedButNotEntered) {
+    m_root.write("drive_c/tree/a.txt", "a");
+    m_root.write("drive_c/tree/sub/b.txt", "b");
+    m_root.write("drive_c/other/c.txt", "c");
+    for (const auto& [target, link] :
+         {std::pair{".", "tree/self"}, std::pair{"..", "tree/sub/up"},
+          std::pair{"../sub", "tree/sub/again"}, std::pair{"../other", "tree/aside"}})
+        std::filesystem::create_directory_symlink(target,
+                                                  m_root / (std::string("drive_c/") + link));
+    // A link to a folder elsewhere is walked as any folder.
+    EXPECT_EQ(list("C:\\tree", KDIR_RECURSIVE),
+              (Entries{"C:\\tree\\a.txt", "C:\\tree\\aside", "C:\\tree\\aside\\c.txt",
+                       "C:\\tree\\self", "C:\\tree\\sub", "C:\\tree\\sub\\again",
+                       "C:\\tree\\sub\\b.txt", "C:\\tree\\sub\\up"}));
+    EXPECT_TRUE(m_walked);
 }
 
 TEST_F(DirTools, CopiesATreeIntoANewDirectory) {
