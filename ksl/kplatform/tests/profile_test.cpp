@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -164,6 +165,12 @@ TEST(ProfileWrite, CreatesTheFileButNotItsFolder) {
     EXPECT_EQ(last_error(), static_cast<std::uint32_t>(ENOENT));
     EXPECT_FALSE(put(nullptr, "key", "value", dir / "new.ini"));
     EXPECT_FALSE(put("Sec", "key", "value", dir.path()));
+
+    // Without its owner's write bit a file is refused, also for root, and stays as it was.
+    ::chmod((dir / "new.ini").c_str(), 0444);
+    EXPECT_FALSE(put("Sec", "key", "changed", dir / "new.ini"));
+    EXPECT_EQ(last_error(), static_cast<std::uint32_t>(EACCES));
+    EXPECT_EQ(get("Sec", "key", dir / "new.ini"), "value");
 }
 
 TEST(ProfileWrite, ValuesReplaceInPlaceAndNewKeysFollowTheLastKey) {

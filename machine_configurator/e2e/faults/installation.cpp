@@ -53,10 +53,11 @@ std::vector<std::string> environment_of(const Installation& inst, const std::str
         // The shim comes before the sanitizer's runtime; a kill leaves nothing to check.
         env.push_back("ASAN_OPTIONS=verify_asan_link_order=0");
     }
-    for (const auto& [name, value] : run.env) {
+    for (const auto& setting : run.env) {
+        const std::string& name = setting.first;
         std::erase_if(env,
                       [&name](const std::string& entry) { return has_name(entry, name.c_str()); });
-        env.push_back(name + "=" + value);
+        env.push_back(name + "=" + setting.second);
     }
     return env;
 }
