@@ -73,11 +73,13 @@ bool ensure_application(std::string& why) {
     }
     if (!display_reachable(why))
         return false;
+    // The X platform unless the user named another; not through the
+    // environment, which the programs this one starts would inherit.
     static std::string name = program_name();
-    static int argc = 1;
-    static char* argv[] = {name.data(), nullptr};
-    if (!std::getenv("QT_QPA_PLATFORM"))
-        ::setenv("QT_QPA_PLATFORM", "xcb", 0);
+    static char platform_option[] = "-platform";
+    static char platform_name[] = "xcb";
+    static char* argv[] = {name.data(), platform_option, platform_name, nullptr};
+    static int argc = std::getenv("QT_QPA_PLATFORM") ? 1 : 3;
     qInstallMessageHandler(route_qt_messages);
     g_app = new QApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false); // runs are nested loops, not exec()
