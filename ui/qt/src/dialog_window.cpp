@@ -423,8 +423,11 @@ void DialogWindow::detach() {
 void DialogWindow::show_modal() {
     setWindowModality(Qt::ApplicationModal);
     // Centred over the window it belongs to, or on the screen.
-    const QRect over = parentWidget() ? parentWidget()->window()->frameGeometry()
-                                      : (screen() ? screen()->availableGeometry() : QRect());
+    // (A dialog opened from its owner's OnInitDialog finds the owner not shown yet.)
+    const QWidget* owner = parentWidget() ? parentWidget()->window() : nullptr;
+    const QRect over = owner && owner->isVisible()
+                           ? owner->frameGeometry()
+                           : (screen() ? screen()->availableGeometry() : QRect());
     if (over.isValid())
         move(over.center() - rect().center());
     show();

@@ -76,6 +76,7 @@ TEST(QtHostSelection, TheSampleDialogIsVisibleSoonAfterTheProcessStarts) {
     ASSERT_NE(line, std::string::npos) << out;
     ASSERT_EQ(std::sscanf(out.c_str() + line, "exposed %lld result %d", &exposed, &result), 2);
     EXPECT_EQ(result, 2);
+    EXPECT_EQ(status, 0) << out; // and the process ended cleanly, the toolkit still loaded
     const double ms = static_cast<double>(exposed - start) / 1e6;
     std::printf("start to visible sample dialog: %.0f ms\n", ms);
     EXPECT_GT(ms, 0);
