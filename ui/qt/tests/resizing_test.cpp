@@ -6,6 +6,7 @@
 #include "ui_resizing_dialog.h"
 #include "ui_winapp.h"
 
+#include <QImage>
 #include <QTest>
 
 using namespace korv::ui;
@@ -83,6 +84,13 @@ TEST_F(QtHostTest, AResizingDialogMovesItsControlsByTheirFlagsAndRemembersItsSiz
         EXPECT_NEAR(control(w, kLabel)->width(), label.width() + dx, 2);
         EXPECT_EQ(control(w, kFixed)->geometry(), fixed);
         qt_test::save_shot(w, "stretched");
+        // The gripper is drawn in the corner, beside the OK button.
+        const QImage corner = w->grab(QRect(w->width() - 4, w->height() - 4, 4, 4)).toImage();
+        int drawn = 0;
+        for (int y = 0; y < 4; ++y)
+            for (int x = 0; x < 4; ++x)
+                drawn += corner.pixelColor(x, y) != w->palette().color(QPalette::Window);
+        EXPECT_GT(drawn, 0);
         // Shrunk below its template it stops at the template's size.
         drag_gripper(w, -400, 0);
         EXPECT_EQ(w->size(), start);
