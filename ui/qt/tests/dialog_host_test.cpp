@@ -151,7 +151,7 @@ TEST_F(QtHostTest, ModalRunsNestAndPagesAreShownInTheirFrame) {
 namespace {
 
 constexpr int kLookDialog = 900, kOverHeader = 901, kOpaque = 902, kHeader = 903, kOddDialog = 910,
-              kOdd = 911, kOddStyle = 912, kNoImage = 913;
+              kOdd = 911, kOddStyle = 912, kNoImage = 913, kLines = 914;
 
 class LookDlg : public CDialog {
 public:
@@ -194,6 +194,7 @@ void register_own_templates() {
                                   {kOdd, static_cast<K>(99), "Odd kind", {5, 5, 60, 10}},
                                   {kOddStyle, K::Edit, "odd style", {5, 20, 60, 12}, 1u << 20},
                                   {kNoImage, K::BitmapButton, "Nothing", {70, 5, 40, 14}},
+                                  {kLines, K::Edit, "", {5, 35, 60, 20}, style::multi_line},
                                   {IDCANCEL, K::Button, "Cancel", {95, 40, 50, 14}},
                               }});
 }
@@ -289,6 +290,11 @@ TEST_F(QtHostTest, AnUnknownKindOrStyleAndAMissingImageStillOpen) {
         EXPECT_EQ(control<QLabel>(w, kOdd)->text(), "Odd kind");
         EXPECT_EQ(control<QLineEdit>(w, kOddStyle)->text(), "odd style");
         EXPECT_EQ(control<QPushButton>(w, kNoImage)->text(), "Nothing");
+        // Enter in a multi-line edit starts a line; the model holds CR LF.
+        QTest::keyClicks(control(w, kLines), "a");
+        QTest::keyClick(control(w, kLines), Qt::Key_Return);
+        QTest::keyClicks(control(w, kLines), "b");
+        EXPECT_EQ(dialog.find_control(kLines)->text, "a\r\nb");
         qt_test::save_shot(w, "odd");
         w->close();
     });
