@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <iostream>
 #include <sched.h>
 #include <set>
 #include <sys/mount.h>
@@ -85,8 +86,10 @@ TEST(DiskFull, WritesFailingAfterSomeBytesLeaveEachFileOldOrNew) {
         ASSERT_EQ(exit_code(inst.run({args, {}, false})), 0) << inst.log();
         const Files fresh = inst.files();
         inst.restore(before);
-        std::set<std::size_t> outcomes; // how many files a run got written
-        for (long budget = 0;; budget = budget ? budget * 2 : 16) {
+        std::set<std::size_t> outcomes; // how many files a run left short of the complete run
+        int runs = 0;
+        // Steps shorter than any file, so that each write is cut somewhere.
+        for (long budget = 0;; budget += 8) {
             SCOPED_TRACE(args[0] + " with " + std::to_string(budget) + " bytes of room");
             const int code = exit_code(
                 inst.run({args, {{"KORV_FAULT_ENOSPC_AFTER", std::to_string(budget)}}, true}));
@@ -94,12 +97,15 @@ TEST(DiskFull, WritesFailingAfterSomeBytesLeaveEachFileOldOrNew) {
             check_outcome(args, code, inst.log(), now, before, fresh);
             const std::size_t left = changed(now, fresh).size();
             outcomes.insert(left);
+            ++runs;
             inst.restore(before);
             if (left == 0)
                 break;
-            ASSERT_LT(budget, 1 << 24);
+            ASSERT_LT(budget, 1 << 20);
         }
         // From nothing written to everything, with files written in between.
+        std::cout << "[ full     ] " << args[0] << ": " << runs << " runs, " << outcomes.size()
+                  << " different numbers of files left old" << std::endl;
         EXPECT_GE(outcomes.size(), 3u) << args[0];
     }
 }
@@ -146,6 +152,8 @@ TEST(DiskFull, ASmallTmpfsThatFillsUp) {
         outcomes.insert(changed(now, fresh_here).size());
         ::umount2(inst.root().c_str(), MNT_DETACH);
     }
+    std::cout << "[ tmpfs    ] 7 runs, " << outcomes.size()
+              << " different numbers of files left old" << std::endl;
     EXPECT_GE(outcomes.size(), 2u);
 }
 
