@@ -156,7 +156,8 @@ QWidget* DialogWindow::make_widget(const ControlState& c) {
     }
     case ControlKind::RadioButton: {
         auto* radio = new QRadioButton(this);
-        radio->setAutoExclusive(false); // the model keeps the groups
+        radio->setAutoExclusive(false);  // the model keeps the groups
+        radio->installEventFilter(this); // and arrow keys move in them
         connect(radio, &QRadioButton::clicked, this, click);
         return radio;
     }
@@ -463,6 +464,40 @@ void DialogWindow::press_default_button() {
         return;
     }
     QApplication::beep();
+}
+
+bool DialogWindow::eventFilter(QObject* watched, QEvent* event) {
+    auto* radio = qobject_cast<QRadioButton*>(watched);
+    if (radio && m_attached && event->type() == QEvent::KeyPress &&
+        move_in_radio_group(radio, static_cast<QKeyEvent*>(event)->key()))
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+bool DialogWindow::move_in_radio_group(QRadioButton* radio, int key) {
+    const int step = key == Qt::Key_Down || key == Qt::Key_Right ? 1
+                     : key == Qt::Key_Up || key == Qt::Key_Left  ? -1
+                                                                 : 0;
+    if (!step)
+        return false;
+    // Arrows go round the group, past members that cannot take input, and check.
+    const std::size_t index = radio->property("korv_index").toULongLong();
+    const std::vector<std::size_t> group = m_dialog.radio_group(index);
+    const auto at = std::find(group.begin(), group.end(), index);
+    if (at == group.end())
+        return false;
+    const int count = static_cast<int>(group.size());
+    for (int i = 1; i < count; ++i) {
+        const std::size_t next =
+            group[static_cast<std::size_t>(((at - group.begin()) + step * i + count * i) % count)];
+        QWidget* target = control_widget(next);
+        if (target && target->isEnabled() && target->isVisible()) {
+            target->setFocus(Qt::TabFocusReason);
+            input(next, [](CDialog& d, int id) { d.UserClick(id); });
+            return true;
+        }
+    }
+    return true;
 }
 
 void DialogWindow::keyPressEvent(QKeyEvent* event) {

@@ -11,6 +11,8 @@
 #include <functional>
 #include <vector>
 
+class QRadioButton;
+
 namespace korv::ui::qt {
 
 class QtHost;
@@ -34,6 +36,7 @@ public:
     void detach();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -54,6 +57,8 @@ private:
     void sync_children();
     void sync_size_limits();
     void press_default_button();
+    // An arrow key on a radio button: true if it moved within its group.
+    bool move_in_radio_group(QRadioButton* radio, int key);
     // Runs a user action on the model, unless this window was cut loose, then
     // lets the host end runs and refreshes what the action touched.
     void input(std::size_t index, const std::function<void(CDialog&, int id)>& action);

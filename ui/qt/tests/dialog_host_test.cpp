@@ -61,6 +61,11 @@ TEST_F(QtHostTest, TheSampleDialogTakesTypingChecksAndSelectionsThroughItsWidget
             click(control(w, kOption));
             click(control(w, kThird));
             click(control(w, kThird)); // a checked radio button stays checked
+            // Arrows go round the group, past the check box in it, and check.
+            QTest::keyClick(control(w, kThird), Qt::Key_Down);
+            EXPECT_TRUE(control<QRadioButton>(w, kFirst)->isChecked());
+            QTest::keyClick(control(w, kFirst), Qt::Key_Up);
+            EXPECT_TRUE(control<QRadioButton>(w, kThird)->isChecked());
             click(control(w, kNever)); // disabled
             auto* fruits = control<QListWidget>(w, kFruits);
             ASSERT_EQ(fruits->count(), 3);
