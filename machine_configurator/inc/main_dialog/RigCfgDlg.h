@@ -144,6 +144,8 @@ public:
     };
     // The system command that opens the about box.
     static constexpr unsigned IDM_ABOUTBOX = 0x10;
+    // The program's icon, image 128 of the resources.
+    static constexpr int IDR_MAINFRAME = 128;
 
     CMidSpanCfgDlg(ProductType productType, const std::string& appFolder,
                    const std::string& workDir, CMidSpanCfgApp* pApp);

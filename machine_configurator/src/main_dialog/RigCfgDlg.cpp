@@ -9,12 +9,14 @@ CMidSpanCfgDlg::CMidSpanCfgDlg(ProductType productType, const std::string& appFo
                                const std::string& workDir, CMidSpanCfgApp* pApp)
     : korv::ui::CDialog(IDD), m_productType(productType), m_appFolder(appFolder),
       m_workDir(workDir), m_pApp(pApp) {
-    // Icon 128 and WM_QUERYDRAGICON have no counterpart in the dialog model:
-    // hosts show the program's icon themselves.
     m_versionLabel = "v" + korv::FileVersionInfo().GetFileVersion();
-    // WM_SYSCOMMAND arrives through OnSysCommand; WM_PAINT (the icon of the
-    // minimised window) and WM_CTLCOLOR (the header caption drawn transparent
-    // over the bitmap) are the host's drawing.
+    // What the window procedure drew itself: the icon (also of the minimised
+    // window) and the header caption transparent over its bitmap. Hosts that
+    // draw take it from here. WM_SYSCOMMAND arrives through OnSysCommand.
+    korv::ui::DialogLook look;
+    look.icon = IDR_MAINFRAME;
+    look.transparent = {IDC_HEADER_CAPTION};
+    set_look(std::move(look));
     MapCommand(korv::ui::BN_CLICKED, IDC_UNDO, [this] { OnButtonUndo(); });
     MapCommand(korv::ui::BN_CLICKED, IDC_REDO, [this] { OnButtonRedo(); });
     MapCommand(korv::ui::BN_CLICKED, IDC_NEW, [this] { OnButtonNew(); });

@@ -22,6 +22,10 @@ constexpr const char* kDomain = "RigCfg";
 
 CWizardDlg::CWizardDlg(CMidSpanCfgDlg* pParent) : CDialog(IDD, pParent), m_pParent(pParent) {
     g_wizCurrentPage = -1;
+    // The page title lies over the header bitmap, as the main dialog's does.
+    korv::ui::DialogLook look;
+    look.transparent = {IDC_TITLE};
+    set_look(std::move(look));
     MapCommand(BN_CLICKED, IDC_BACK, [this] { OnBack(); });
 }
 
