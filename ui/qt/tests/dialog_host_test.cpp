@@ -220,32 +220,7 @@ TEST_F(QtHostTest, EachControlLiesWhereItsDialogUnitsSayAndInsideItsWindow) {
         SampleDlg dialog;
         Driver driver;
         auto check = [&](QWidget* w) {
-            const QFontMetrics metrics(w->font());
-            const int bx =
-                (metrics.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") /
-                     26 +
-                 1) /
-                2;
-            const int by = metrics.height();
-            const auto px = [](int du, int base, int per) { return (du * base + per / 2) / per; };
-            const DialogTemplate* t = find_dialog_template(row.dialog);
-            EXPECT_NEAR(w->width(), px(t->cx, bx, 4), 1);
-            EXPECT_NEAR(w->height(), px(t->cy, by, 8), 1);
-            for (const ControlTemplate& c : t->controls) {
-                SCOPED_TRACE(c.id);
-                QWidget* widget = control(w, c.id);
-                ASSERT_NE(widget, nullptr);
-                const QRect g = widget->geometry();
-                EXPECT_NEAR(g.x(), px(c.rect.x, bx, 4), 1);
-                EXPECT_NEAR(g.y(), px(c.rect.y, by, 8), 1);
-                EXPECT_NEAR(g.right() + 1, px(c.rect.x + c.rect.cx, bx, 4), 1);
-                if (c.kind != ControlKind::ComboBox) { // its height is the closed box's
-                    EXPECT_NEAR(g.bottom() + 1, px(c.rect.y + c.rect.cy, by, 8), 1);
-                }
-                if (row.inside) {
-                    EXPECT_TRUE(widget->parentWidget()->rect().contains(g));
-                }
-            }
+            qt_test::expect_template_layout(w, *find_dialog_template(row.dialog), row.inside);
             qt_test::save_shot(w, "dialog" + std::to_string(row.dialog));
             QTest::keyClick(w, Qt::Key_Escape);
         };

@@ -59,13 +59,6 @@ int no_host_probe() {
 
 } // namespace
 
-#ifdef UI_QT_LSAN_SUPPRESSIONS
-// Only this program's leak checks skip what the toolkit's libraries keep.
-extern "C" const char* __lsan_default_options() {
-    return "suppressions=" UI_QT_LSAN_SUPPRESSIONS ":print_suppressions=0";
-}
-#endif
-
 int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--startup-probe") == 0)
         return startup_probe();

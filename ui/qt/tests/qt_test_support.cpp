@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPixmap>
@@ -15,10 +16,18 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <map>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#ifdef UI_QT_LSAN_SUPPRESSIONS
+// Only the window tests' leak checks skip what the toolkit's libraries keep.
+extern "C" const char* __lsan_default_options() {
+    return "suppressions=" UI_QT_LSAN_SUPPRESSIONS ":print_suppressions=0";
+}
+#endif
 
 namespace qt_test {
 
@@ -140,7 +149,12 @@ void Driver::poll() {
     if (!window) {
         m_waited_ms += 10;
         if (m_waited_ms > 20000) {
-            ADD_FAILURE() << "step " << m_next << " waited in vain for " << step.what;
+            QWidget* modal = QApplication::activeModalWidget();
+            ADD_FAILURE() << "step " << m_next << " waited in vain for " << step.what
+                          << "; the active modal window is "
+                          << (modal ? modal->objectName().toStdString() + " \"" +
+                                          modal->windowTitle().toStdString() + "\""
+                                    : std::string("none"));
             m_next = m_steps.size();
             // Unwind every modal run, innermost first, as a person pressing Escape.
             QTimer* unwind = new QTimer;
@@ -166,6 +180,48 @@ void Driver::poll() {
     step.act(window);
 }
 
+std::vector<QWidget*> template_widgets(QWidget* window, const korv::ui::DialogTemplate& dialog) {
+    std::map<int, int> seen;
+    std::vector<QWidget*> widgets;
+    for (const korv::ui::ControlTemplate& c : dialog.controls) {
+        const auto all = window->findChildren<QWidget*>(QStringLiteral("control%1").arg(c.id),
+                                                        Qt::FindDirectChildrenOnly);
+        const int n = seen[c.id]++;
+        widgets.push_back(n < all.size() ? all[n] : nullptr);
+    }
+    return widgets;
+}
+
+void expect_template_layout(QWidget* window, const korv::ui::DialogTemplate& dialog, bool inside) {
+    using korv::ui::ControlKind;
+    const QFontMetrics metrics(window->font());
+    const int bx =
+        (metrics.horizontalAdvance("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 26 +
+         1) /
+        2;
+    const int by = metrics.height();
+    const auto px = [](int du, int base, int per) { return (du * base + per / 2) / per; };
+    EXPECT_NEAR(window->width(), px(dialog.cx, bx, 4), 1);
+    EXPECT_NEAR(window->height(), px(dialog.cy, by, 8), 1);
+    const std::vector<QWidget*> widgets = template_widgets(window, dialog);
+    for (std::size_t i = 0; i < widgets.size(); ++i) {
+        const korv::ui::ControlTemplate& c = dialog.controls[i];
+        SCOPED_TRACE(c.id);
+        QWidget* widget = widgets[i];
+        ASSERT_NE(widget, nullptr);
+        const QRect g = widget->geometry();
+        EXPECT_NEAR(g.x(), px(c.rect.x, bx, 4), 1);
+        EXPECT_NEAR(g.y(), px(c.rect.y, by, 8), 1);
+        EXPECT_NEAR(g.right() + 1, px(c.rect.x + c.rect.cx, bx, 4), 1);
+        if (c.kind != ControlKind::ComboBox) { // its height is the closed box's
+            EXPECT_NEAR(g.bottom() + 1, px(c.rect.y + c.rect.cy, by, 8), 1);
+        }
+        if (inside) {
+            EXPECT_TRUE(widget->parentWidget()->rect().contains(g));
+        }
+    }
+}
+
 std::string save_shot(QWidget* window, const std::string& name) {
     const char* folder = std::getenv("KORV_UI_SHOTS");
     const QString dir = folder && *folder ? QString(folder) : QStringLiteral("/tmp/ui_qt_shots");
@@ -173,23 +229,6 @@ std::string save_shot(QWidget* window, const std::string& name) {
     const QString path = dir + "/" + QString::fromStdString(name) + ".png";
     window->grab().save(path);
     return path.toStdString();
-}
-
-} // namespace qt_test
-
-#include "sample_dialogs.h"
-
-namespace qt_test {
-
-void QtHostTest::SetUp() {
-    std::string why;
-    ASSERT_TRUE(start_x_server(why)) << why;
-    ASSERT_TRUE(install_qt_host(why)) << why;
-    sample::register_templates();
-}
-
-void QtHostTest::TearDown() {
-    korv::ui::reset_host_selection();
 }
 
 } // namespace qt_test

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ui_dialog.h"
+#include "ui_dialog_template.h"
 
 #include <QObject>
 #include <QString>
@@ -63,6 +64,15 @@ private:
     int m_waited_ms = 0;
     QObject m_context; // pending polls go with the driver
 };
+
+// The widgets of the template's controls in template order, null where one is
+// missing; controls that share an id (statics) are told apart by their order.
+std::vector<QWidget*> template_widgets(QWidget* window, const korv::ui::DialogTemplate& dialog);
+
+// Checks that `window` shows `dialog` as designed: the window's and every
+// control's geometry within a pixel of the dialog-unit conversion and, with
+// `inside`, every control within its parent.
+void expect_template_layout(QWidget* window, const korv::ui::DialogTemplate& dialog, bool inside);
 
 // A file of its own under the shots folder ($KORV_UI_SHOTS or /tmp/ui_qt_shots).
 std::string save_shot(QWidget* window, const std::string& name);

@@ -1,0 +1,304 @@
+// The program's dialogs in real windows, on an X server of the tests' own,
+// used as a service engineer uses them: clicks, keys and list choices on the
+// widgets, over a scratch copy of the example installation.
+#include "main_dialog/CfgHistory.h"
+#include "main_dialog/RigCfgDlg.h"
+#include "qt_test_support.h"
+#include "rigcfg_files_fixture.h"
+#include "wizard/WizardDlg.h"
+
+#include "kplatform_module.h"
+#include "ktranslate.h"
+#include "ui_dialog_template.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+namespace {
+
+using qt_test::Driver;
+using rigcfg_test::contains;
+using D = CMidSpanCfgDlg;
+constexpr int kWizard = CWizardDlg::IDD;
+constexpr int kNext = 1;
+constexpr int kBack = 1013;
+constexpr const char* kKorEConPrograms = "C:\\Program Files\\Korv\\KorECon\\";
+
+// The visible widget of control `id`: wizard pages share ids, and only the
+// page on show counts.
+QWidget* shown(QWidget* window, int id) {
+    const QString name = QStringLiteral("control%1").arg(id);
+    for (QWidget* w : window->findChildren<QWidget*>(name))
+        if (w->isVisible())
+            return w;
+    ADD_FAILURE() << "no visible control " << id;
+    return nullptr;
+}
+
+// Check boxes and radio buttons take a click on their box or text only,
+// which starts at their left edge; buttons anywhere.
+// What a label, an edit or a drop-down list shows.
+std::string text_shown(QWidget* window, int id) {
+    QWidget* w = shown(window, id);
+    if (auto* combo = qobject_cast<QComboBox*>(w))
+        return combo->currentText().toStdString();
+    return w ? w->property("text").toString().toStdString() : std::string();
+}
+
+void click(QWidget* window, int id) {
+    QWidget* w = shown(window, id);
+    if (!w)
+        return;
+    const bool boxed = qobject_cast<QCheckBox*>(w) || qobject_cast<QRadioButton*>(w);
+    QTest::mouseClick(w, Qt::LeftButton, {},
+                      boxed ? QPoint(6, w->height() / 2) : w->rect().center());
+}
+
+// Chooses an item as a person does: a click in a list, arrow keys in a
+// drop-down list. An empty `text` takes the item at `index`.
+void choose(QWidget* window, int id, const QString& text, int index = -1) {
+    QWidget* w = shown(window, id);
+    if (auto* list = qobject_cast<QListWidget*>(w)) {
+        if (!text.isEmpty()) {
+            const auto found = list->findItems(text, Qt::MatchExactly);
+            ASSERT_FALSE(found.isEmpty()) << text.toStdString();
+            index = list->row(found.first());
+        }
+        ASSERT_LT(index, list->count());
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->item(index)).center());
+    } else if (auto* combo = qobject_cast<QComboBox*>(w)) {
+        if (!text.isEmpty())
+            index = combo->findText(text);
+        ASSERT_GE(index, 0) << text.toStdString();
+        combo->setFocus();
+        QTest::keyClick(combo, Qt::Key_Home);
+        for (int i = 0; i < index; ++i)
+            QTest::keyClick(combo, Qt::Key_Down);
+        EXPECT_EQ(combo->currentIndex(), index);
+    } else {
+        ADD_FAILURE() << "control " << id << " is no list";
+    }
+}
+
+class RigCfgWindow : public rigcfg_test::ExamplesTest {
+protected:
+    void SetUp() override {
+        ExamplesTest::SetUp();
+        std::string why;
+        ASSERT_TRUE(qt_test::start_x_server(why)) << why;
+        ASSERT_TRUE(qt_test::install_qt_host(why)) << why;
+        // The texts a person reads: the catalogues beside the program.
+        const std::string exe = korv::platform::executable_path();
+        Translate_init("", exe.substr(0, exe.find_last_of('/') + 1), "en", "RigCfg");
+        TheCfgHistory().Reset();
+    }
+
+    // The main dialog of `type` on the example installation, driven by `steps`.
+    int RunMain(ProductType type, Driver& steps) {
+        const bool korecon = type == ProductTypeKorECon;
+        dlg = std::make_unique<CMidSpanCfgDlg>(type, korecon ? kKorECon : kMidspan,
+                                               korecon ? kKorEConPrograms : kMidspan, nullptr);
+        steps.start();
+        const int result = dlg->DoModal();
+        EXPECT_TRUE(steps.done());
+        return result;
+    }
+
+    // One wizard step: act on the page on show, with a picture of it first.
+    void Page(Driver& steps, const std::string& shot, std::function<void(QWidget*)> act) {
+        steps.on_dialog(kWizard, [shot, act = std::move(act)](QWidget* w) {
+            EXPECT_FALSE(w->windowTitle().contains(".txt")) << w->windowTitle().toStdString();
+            if (!shot.empty())
+                qt_test::save_shot(w, shot);
+            act(w);
+        });
+    }
+
+    // Answers the confirmation of Undo or Redo with `button`.
+    static void Confirm(Driver& steps, QMessageBox::StandardButton button) {
+        steps.on_box([button](QMessageBox* box) {
+            EXPECT_EQ(box->icon(), QMessageBox::Information); // as the dialog asks
+            QTest::mouseClick(box->button(button), Qt::LeftButton);
+        });
+    }
+
+    std::string Loader() const { return file(kMidspanHost + "sp_load.ini"); }
+};
+
+TEST_F(RigCfgWindow, MidspanNewWithBackThenUndoAndRedoWriteTheLoaderFile) {
+    const std::string walked = "DRIVEUNIT[VD 120:COM1],TABLE[Rotary Table TB 50],"
+                               "MEASURESTAND[SZ 750 D:horizontal]";
+    const std::string started = "DRIVEUNIT[VD 120:COM1],TABLE[No Table],"
+                                "MEASURESTAND[SZ 750 D:vertical]";
+    Driver steps;
+    steps.on_dialog(D::IDD, [](QWidget* w) {
+        EXPECT_FALSE(w->windowIcon().isNull());
+        EXPECT_FALSE(w->windowTitle().contains(".dlghead"));
+        EXPECT_FALSE(shown(w, D::IDC_UNDO)->isEnabled()); // one snapshot
+        qt_test::save_shot(w, "main_dialog");
+        click(w, D::IDC_NEW);
+    });
+    Page(steps, "wizard_product_group", [](QWidget* w) {
+        click(w, 1021);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_interfaces", [](QWidget* w) {
+        click(w, 1026);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_drive_units", [](QWidget* w) {
+        choose(w, 1090, "VD 120");
+        click(w, kNext);
+    });
+    Page(steps, "wizard_table", [](QWidget* w) {
+        choose(w, 1067, {}, 1);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_stands", [](QWidget* w) { click(w, kNext); });
+    Page(steps, "wizard_summary", [](QWidget* w) { click(w, kBack); });
+    Page(steps, "", [](QWidget* w) { click(w, kNext); });
+    Page(steps, "", [](QWidget* w) { click(w, kNext); }); // Finish
+    steps.on_dialog(D::IDD, [&](QWidget* w) {
+        EXPECT_TRUE(contains(Loader(), walked));
+        EXPECT_EQ(text_shown(w, D::IDC_TABLE), "Rotary Table TB 50");
+        click(w, D::IDC_UNDO);
+    });
+    Confirm(steps, QMessageBox::No);
+    steps.on_dialog(D::IDD, [&](QWidget* w) {
+        EXPECT_TRUE(contains(Loader(), walked));
+        click(w, D::IDC_UNDO);
+    });
+    Confirm(steps, QMessageBox::Yes);
+    steps.on_dialog(D::IDD, [&](QWidget* w) {
+        EXPECT_TRUE(contains(Loader(), started));
+        EXPECT_FALSE(shown(w, D::IDC_UNDO)->isEnabled());
+        click(w, D::IDC_REDO);
+    });
+    Confirm(steps, QMessageBox::Yes);
+    steps.on_dialog(D::IDD, [&](QWidget* w) {
+        EXPECT_TRUE(contains(Loader(), walked));
+        QTest::keyClick(w, Qt::Key_Escape);
+    });
+    EXPECT_EQ(RunMain(ProductTypeMidspan, steps), korv::ui::IDCANCEL);
+}
+
+TEST_F(RigCfgWindow, FormWalkWithBackWritesTheFormLoaderThenTheLoader) {
+    Driver steps;
+    steps.on_dialog(D::IDD, [](QWidget* w) { click(w, D::IDC_NEW); });
+    Page(steps, "", [](QWidget* w) {
+        click(w, 1022);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_form_source", [](QWidget* w) { click(w, kNext); });
+    Page(steps, "wizard_form_order_numbers", [](QWidget* w) {
+        choose(w, 1058, {}, 1);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_form_summary", [](QWidget* w) { click(w, kBack); });
+    // Back from this summary leads to the page of the parameters' source.
+    Page(steps, "wizard_form_parameter_source", [](QWidget* w) { click(w, kNext); });
+    // The order numbers are offered afresh, the first one chosen.
+    Page(steps, "", [](QWidget* w) {
+        EXPECT_EQ(text_shown(w, 1058), "6420100");
+        choose(w, 1058, {}, 1);
+        click(w, kNext);
+    });
+    Page(steps, "", [](QWidget* w) { click(w, kNext); });
+    // Enter ends the main dialog with OK: a configuration stands.
+    steps.on_dialog(D::IDD, [](QWidget* w) { QTest::keyClick(w, Qt::Key_Return); });
+    EXPECT_EQ(RunMain(ProductTypeMidspan, steps), korv::ui::IDOK);
+    EXPECT_TRUE(contains(file(kMidspanHost + "form_load.ini"),
+                         "active_section=MFU 100:Order-No:6420101,,Table-manuell\r\n"));
+    EXPECT_TRUE(contains(Loader(), "DRIVEUNIT[MFU 100:Order-No:6420101],TABLE[manual],"
+                                   "MEASURESTAND[No Stand],CONTROL[]\r\nactive=FORM\r\n"));
+}
+
+TEST_F(RigCfgWindow, KorEConWalkWithAProxyWritesTheAppIni) {
+    Driver steps;
+    steps.on_dialog(D::IDD, [](QWidget* w) {
+        qt_test::save_shot(w, "main_dialog_korecon");
+        click(w, D::IDC_NEW);
+    });
+    Page(steps, "wizard_korecon_product_group", [](QWidget* w) {
+        click(w, 1098);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_machines", [](QWidget* w) {
+        choose(w, 1023, {}, 0);
+        click(w, 1029);
+        click(w, kNext);
+    });
+    Page(steps, "wizard_order_number", [](QWidget* w) { click(w, kNext); });
+    Page(steps, "wizard_proxies", [](QWidget* w) {
+        choose(w, 1067, "cncproxy");
+        click(w, kNext);
+    });
+    Page(steps, "wizard_korecon_summary", [](QWidget* w) { click(w, kNext); });
+    steps.on_dialog(D::IDD, [](QWidget* w) { QTest::keyClick(w, Qt::Key_Escape); });
+    EXPECT_EQ(RunMain(ProductTypeKorECon, steps), korv::ui::IDCANCEL);
+    EXPECT_TRUE(contains(file(kKorEConHost + "RigCfg.ini"),
+                         "machine=KSH 300\r\norder_no=8300001\r\nproduct_group=KORSHAFT\r\n"));
+    EXPECT_TRUE(contains(file(kKorEConHost + "RigCfg.ini"), "proxy=cncproxy\r\n"));
+}
+
+TEST_F(RigCfgWindow, TheAboutBoxShowsTheVersionAndEndsWithOk) {
+    CAboutDlg about;
+    Driver steps;
+    steps.on_dialog(CAboutDlg::IDD, [](QWidget* w) {
+        EXPECT_TRUE(contains(text_shown(w, CAboutDlg::IDC_VERSION), "6.05"));
+        qt_test::save_shot(w, "about_box");
+        QTest::keyClick(w, Qt::Key_Return);
+    });
+    steps.start();
+    EXPECT_EQ(about.DoModal(), korv::ui::IDOK);
+    EXPECT_TRUE(steps.done());
+}
+
+// Every dialog of the resource source, sixteen, alone in a window of its own.
+TEST_F(RigCfgWindow, EveryTemplateOpensWithItsDesignedLayout) {
+    int opened = 0;
+    for (int id = 1; id < 1000; ++id) {
+        const korv::ui::DialogTemplate* t = korv::ui::find_dialog_template(id);
+        if (!t)
+            continue;
+        SCOPED_TRACE(id);
+        korv::ui::CDialog dialog(id);
+        Driver steps;
+        steps.on_dialog(id, [t](QWidget* w) {
+            qt_test::expect_template_layout(w, *t, true);
+            const std::vector<QWidget*> widgets = qt_test::template_widgets(w, *t);
+            for (std::size_t i = 0; i < widgets.size(); ++i) {
+                if (widgets[i]) {
+                    EXPECT_EQ(widgets[i]->isVisibleTo(w),
+                              !t->controls[i].has(korv::ui::style::hidden))
+                        << t->controls[i].id;
+                }
+            }
+            qt_test::save_shot(w, "template_" + std::to_string(t->id));
+            QTest::keyClick(w, Qt::Key_Escape);
+        });
+        steps.start();
+        EXPECT_EQ(dialog.DoModal(), korv::ui::IDCANCEL);
+        EXPECT_TRUE(steps.done());
+        ++opened;
+    }
+    EXPECT_EQ(opened, 16);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
