@@ -20,8 +20,13 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -294,6 +299,117 @@ TEST_F(RigCfgWindow, EveryTemplateOpensWithItsDesignedLayout) {
         ++opened;
     }
     EXPECT_EQ(opened, 16);
+}
+
+// The built program started as a person starts it, on the tests' X server;
+// xdotool finds its windows and presses keys as a keyboard would.
+class RigCfgOnTheDisplay : public rigcfg_test::ExamplesTest {
+protected:
+    void SetUp() override {
+        ExamplesTest::SetUp();
+        std::string why;
+        ASSERT_TRUE(qt_test::start_x_server(why)) << why;
+        ASSERT_EQ(std::system("xdotool version >/dev/null 2>&1"), 0) << "xdotool is missing";
+    }
+    void TearDown() override {
+        if (m_pid > 0) {
+            ::kill(m_pid, SIGKILL);
+            ::waitpid(m_pid, nullptr, 0);
+        }
+        ExamplesTest::TearDown();
+    }
+
+    // Starts rigcfg with `args`, no script, its logs at trace level 5 in log/.
+    void Start(std::vector<std::string> args, const char* extra_env = nullptr) {
+        const std::string exe = korv::platform::executable_path();
+        const std::string program = exe.substr(0, exe.find_last_of('/') + 1) + "rigcfg";
+        const std::string log = root / "log";
+        m_pid = ::fork();
+        if (m_pid == 0) {
+            ::unsetenv("KORV_UI_SCRIPT");
+            ::setenv("KORV_LOG_DIR", log.c_str(), 1);
+            ::setenv("KORV_TRACE", "5", 1);
+            if (extra_env)
+                ::putenv(const_cast<char*>(extra_env));
+            const std::string err = root / "stderr.txt";
+            std::freopen(err.c_str(), "w", stderr);
+            std::vector<char*> argv{const_cast<char*>(program.c_str())};
+            for (std::string& a : args)
+                argv.push_back(a.data());
+            argv.push_back(nullptr);
+            ::execv(program.c_str(), argv.data());
+            ::_exit(127);
+        }
+    }
+
+    // The exit code as a caller sees it.
+    int Wait() {
+        int status = 0;
+        ::waitpid(m_pid, &status, 0);
+        m_pid = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1000;
+    }
+
+    // The program's one visible window, once there is one; empty after 20 s.
+    std::string VisibleWindow() const {
+        const std::string command = "timeout 20 xdotool search --sync --onlyvisible --pid " +
+                                    std::to_string(m_pid) + " 2>/dev/null | head -n 1";
+        std::string id;
+        if (FILE* out = ::popen(command.c_str(), "r")) {
+            char line[64] = {};
+            if (std::fgets(line, sizeof line, out))
+                id = line;
+            ::pclose(out);
+        }
+        while (!id.empty() && (id.back() == '\n' || id.back() == '\r'))
+            id.pop_back();
+        return id;
+    }
+
+    static void Press(const std::string& window, const char* key) {
+        const std::string command =
+            "xdotool windowfocus --sync " + window + " key " + key + " >/dev/null 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    }
+
+    std::string Trace() const { return file("log/trace.log"); }
+
+    pid_t m_pid = -1;
+};
+
+TEST_F(RigCfgOnTheDisplay, WithoutAScriptTheMainDialogShowsAndEscapeEndsWithTwo) {
+    Start({});
+    const std::string window = VisibleWindow();
+    ASSERT_FALSE(window.empty()) << Trace();
+    EXPECT_TRUE(contains(Trace(), "DoModal(): dialog 102 opened"));
+    Press(window, "Escape");
+    EXPECT_EQ(Wait(), 2);
+    EXPECT_EQ(file(kMidspanHost + "sp_load.ini"), example(kMidspanHost + "sp_load.ini"));
+}
+
+TEST_F(RigCfgOnTheDisplay, AProductGroupOpensTheWizardOverTheMainDialog) {
+    Start({"productgroup=FORM"});
+    const std::string window = VisibleWindow();
+    ASSERT_FALSE(window.empty()) << Trace();
+    // The wizard is the innermost run, opened while the main dialog starts.
+    const std::string trace = Trace();
+    EXPECT_TRUE(contains(trace, "DoModal(): dialog 102 opened"));
+    EXPECT_TRUE(contains(trace, "DoModal(): dialog 103 opened"));
+    EXPECT_FALSE(contains(trace, "DoModal(): dialog 103 ended"));
+    // Cancelling the wizard that the command line asked for ends the run.
+    Press(window, "Escape");
+    EXPECT_EQ(Wait(), 2);
+    EXPECT_TRUE(contains(Trace(), "dialog 103 ended with 2\n"));
+    EXPECT_TRUE(contains(Trace(), "dialog 102 ended with 2\n"));
+}
+
+TEST_F(RigCfgOnTheDisplay, ASilentCreateLoadsNoWindowToolkit) {
+    Start({"control=korecon", "file=KMX_100_create.ini", "variant=9100100"}, "LD_DEBUG=files");
+    EXPECT_EQ(Wait(), 0);
+    const std::string loaded = file("stderr.txt");
+    EXPECT_TRUE(contains(loaded, "file=libstdc++")); // the loader did report
+    EXPECT_FALSE(contains(loaded, "libQt6")) << loaded;
+    EXPECT_FALSE(contains(loaded, "librigcfg_ui_qt")) << loaded;
 }
 
 } // namespace
