@@ -290,7 +290,6 @@ TEST_F(RigCfgWindow, EveryTemplateOpensWithItsDesignedLayout) {
                         << t->controls[i].id;
                 }
             }
-            qt_test::save_shot(w, "template_" + std::to_string(t->id));
             QTest::keyClick(w, Qt::Key_Escape);
         });
         steps.start();
