@@ -61,11 +61,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::vector<std::string> sections = file.GetSectionNames();
         const std::string section = sections.empty() ? "fuzz" : sections.front();
         const std::string value = printable(text);
-        // A relaxed line without '=' is all value: setting it replaces its name too.
+        // A relaxed line without '=' is all value: setting it would replace its
+        // name too, and the new line could read as a header or a comment.
         const korv::KIniDataSection* before = file.GetSection(section);
         const korv::KIniDataEntry* bare = before ? before->GetEntry("fuzz_key") : nullptr;
         const bool keeps_name = !bare || bare->value_pos > 0;
-        const bool set = file.SetStringEntry(section, "fuzz_key", value);
+        const bool set = keeps_name && file.SetStringEntry(section, "fuzz_key", value);
         if (file.Save()) {
             KIniData reread(flags);
             FUZZ_CHECK(reread.Open(path), "saved file does not open: %s",
@@ -73,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             FUZZ_CHECK(reread.GetContentString() == file.GetContentString(),
                        "saved file reads back differently");
             std::string back;
-            if (set && keeps_name)
+            if (set)
                 FUZZ_CHECK(reread.HasEntry(section, "fuzz_key"), "edited entry lost on save");
             (void)reread.GetStringEntry(section, "fuzz_key", back);
         }
