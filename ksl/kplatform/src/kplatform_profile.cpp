@@ -1,6 +1,7 @@
 #include "kplatform_profile.h"
 
 #include "file_state.h"
+#include "read_to_end.h"
 
 #include "kplatform_file.h"
 #include "kplatform_paths.h"
@@ -171,19 +172,11 @@ bool read_file(const std::string& native, std::string& text, FileState& state) {
     state = FileState::of(st);
     text.clear();
     text.reserve(static_cast<std::size_t>(st.st_size));
-    char buffer[65536];
-    for (;;) {
-        const ssize_t got = ::read(fd, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0) {
-            const int error = errno;
-            ::close(fd);
-            errno = error;
-            return got == 0;
-        }
-        text.append(buffer, static_cast<std::size_t>(got));
-    }
+    const bool read = read_to_end(fd, text);
+    const int error = errno;
+    ::close(fd);
+    errno = error;
+    return read;
 }
 
 // The file as it is now, parsed; null (errno set) if it can't be read.

@@ -1,6 +1,7 @@
 #include "kplatform_regstore.h"
 
 #include "file_state.h"
+#include "read_to_end.h"
 
 #include "kplatform_paths.h"
 #include "kplatform_registry.h"
@@ -52,22 +53,11 @@ bool read_all(const std::string& path, std::string& text, int& error) {
     struct stat st;
     if (::fstat(fd, &st) == 0 && st.st_size > 0)
         text.reserve(static_cast<std::size_t>(st.st_size));
-    char buffer[65536];
-    for (;;) {
-        const ssize_t got = ::read(fd, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0) {
-            error = errno;
-            ::close(fd);
-            return false;
-        }
-        if (got == 0)
-            break;
-        text.append(buffer, static_cast<std::size_t>(got));
-    }
+    const bool read = read_to_end(fd, text);
+    if (!read)
+        error = errno;
     ::close(fd);
-    return true;
+    return read;
 }
 
 void note_problem(const std::string& path, unsigned line, std::string reason) {

@@ -1,45 +1,23 @@
 // caldat end to end: the built binary on pairs made byte by byte in a scratch
 // folder, judged by its exit code, its output and the bytes it leaves on disk.
 #include "caldat_pair_bytes.h"
+#include "program_run.h"
 #include "scratch_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <filesystem>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
-using namespace caldat_test;
+using korv::testing::ProgramRun;
 
-struct CaldatRun {
-    int code;
-    std::string out, err;
-};
+using namespace caldat_test;
 
 class Caldat : public ::testing::Test {
 protected:
-    // Runs caldat with `args`; standard output and error go through files.
-    CaldatRun caldat(const std::vector<std::string>& args) {
-        const std::string out = io / "out", err = io / "err";
-        const pid_t child = fork();
-        if (child == 0) {
-            const int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            const int err_fd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            if (out_fd < 0 || err_fd < 0 || dup2(out_fd, 1) < 0 || dup2(err_fd, 2) < 0)
-                _exit(126);
-            std::vector<char*> argv{const_cast<char*>(CALDAT_BINARY)};
-            for (const std::string& arg : args)
-                argv.push_back(const_cast<char*>(arg.c_str()));
-            argv.push_back(nullptr);
-            execv(CALDAT_BINARY, argv.data());
-            _exit(127);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, io.read("out"), io.read("err")};
+    ProgramRun caldat(const std::vector<std::string>& args) {
+        return korv::testing::run_program(CALDAT_BINARY, args, io);
     }
     // probes.KKY and probes.KKL; answers the stem to pass.
     std::string Pair(const PairBytes& pair) {
@@ -55,7 +33,7 @@ TEST_F(Caldat, ListAndDumpReadTheTreeAndChangeNothing) {
     Pair(tree);
     ASSERT_TRUE(WritePair(dir / "plain", tree));
     for (const char* stem : {"probes.dat", "probes.KKY", "plain"}) {
-        const CaldatRun run = caldat({"list", dir / stem});
+        const ProgramRun run = caldat({"list", dir / stem});
         EXPECT_EQ(run.code, 0) << stem << run.err;
         EXPECT_EQ(run.out, "P1   10.500 mm   20.250 mm\n"
                            "  S1   12.500 \xC2\xB0\n"
@@ -65,7 +43,7 @@ TEST_F(Caldat, ListAndDumpReadTheTreeAndChangeNothing) {
                            "    U1\n")
             << stem;
     }
-    const CaldatRun dump = caldat({"dump", dir / "probes.dat", "P2", "T1"});
+    const ProgramRun dump = caldat({"dump", dir / "probes.dat", "P2", "T1"});
     EXPECT_EQ(dump.code, 0);
     EXPECT_EQ(dump.out.substr(0, dump.out.find("length 1")),
               "key         P2/T1\nrecord      5 (byte 490)\nchildren    1\ndata offset 584\n"
@@ -84,7 +62,7 @@ TEST_F(Caldat, UsageErrorsAndUnreadablePairsEndWith2) {
              {{"dump", "p"}, "usage: caldat"},
              {{"list", dir / "keys.dat"}, "cannot read the pair"},
              {{"dump", dir / "none", "P1"}, "cannot read the pair"}}) {
-        const CaldatRun run = caldat(args);
+        const ProgramRun run = caldat(args);
         EXPECT_EQ(run.code, 2) << message;
         EXPECT_EQ(run.out, "");
         EXPECT_NE(run.err.find(message), std::string::npos) << run.err;
@@ -131,7 +109,7 @@ TEST_F(Caldat, CheckReportsEachKindOfDamage) {
     };
     for (const auto& c : cases) {
         const PairBytes pair{c.keys, c.data};
-        const CaldatRun check = caldat({"check", Pair(pair)});
+        const ProgramRun check = caldat({"check", Pair(pair)});
         EXPECT_EQ(check.code, c.lines.empty() ? 0 : 1) << check.out;
         EXPECT_NE(check.out.find(" in use; "), std::string::npos) << check.out;
         EXPECT_EQ(check.out.find("; 0 problems\n") != std::string::npos, c.lines.empty())

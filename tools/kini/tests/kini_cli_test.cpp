@@ -1,46 +1,22 @@
 // kini end to end: the built binary on files in a scratch folder, judged by its
 // exit code, its output and the bytes it leaves on disk.
+#include "program_run.h"
 #include "scratch_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
+using korv::testing::ProgramRun;
 using korv::testing::ScratchDir;
-
-struct KiniRun {
-    int code;
-    std::string out;
-    std::string err;
-};
 
 class Kini : public ::testing::Test {
 protected:
-    // Runs kini with `args`; standard output and error go through files.
-    KiniRun kini(const std::vector<std::string>& args) {
-        const std::string out = io / "out", err = io / "err";
-        const pid_t child = fork();
-        if (child == 0) {
-            const int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            const int err_fd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            if (out_fd < 0 || err_fd < 0 || dup2(out_fd, 1) < 0 || dup2(err_fd, 2) < 0)
-                _exit(126);
-            std::vector<char*> argv{const_cast<char*>(KINI_BINARY)};
-            for (const std::string& arg : args)
-                argv.push_back(const_cast<char*>(arg.c_str()));
-            argv.push_back(nullptr);
-            execv(KINI_BINARY, argv.data());
-            _exit(127);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, io.read("out"), io.read("err")};
+    ProgramRun kini(const std::vector<std::string>& args) {
+        return korv::testing::run_program(KINI_BINARY, args, io);
     }
 
     std::string path(const char* name) const { return dir / name; }
@@ -58,7 +34,7 @@ constexpr const char* kMixed = "; head\n"
                                "x=1";
 
 TEST_F(Kini, HelpAndUsageErrors) {
-    const KiniRun help = kini({"--help"});
+    const ProgramRun help = kini({"--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_EQ(help.out.rfind("usage: kini", 0), 0u);
     for (const std::vector<std::string>& args :
@@ -68,7 +44,7 @@ TEST_F(Kini, HelpAndUsageErrors) {
                                                {"set", "f.ini", "s", "k"},
                                                {"delete", "f.ini"},
                                                {"cat", "f.ini", "extra"}}) {
-        const KiniRun run = kini(args);
+        const ProgramRun run = kini(args);
         EXPECT_EQ(run.code, 2);
         EXPECT_EQ(run.out, "");
         EXPECT_NE(run.err.find("usage: kini"), std::string::npos);
@@ -77,7 +53,7 @@ TEST_F(Kini, HelpAndUsageErrors) {
 
 TEST_F(Kini, CatPrintsTheContentStringAndFmtRewritesSortedWithCrLf) {
     dir.write("f.ini", std::string("\xEF\xBB\xBF") + kMixed);
-    const KiniRun run = kini({"cat", path("f.ini")});
+    const ProgramRun run = kini({"cat", path("f.ini")});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.out, "; head\n[a] old\nx=1\n[b]\nkey = 5 ; five\n; tail of b\n");
     EXPECT_EQ(dir.read("f.ini"), std::string("\xEF\xBB\xBF") + kMixed);
@@ -89,7 +65,7 @@ TEST_F(Kini, CatPrintsTheContentStringAndFmtRewritesSortedWithCrLf) {
 // Names compare exactly, except that get trims the key it is given.
 TEST_F(Kini, GetSectionsAndKeysAnswerFromTheFileAsItStands) {
     dir.write("f.ini", "[General]\nkey = 5 ; five\nempty=\n[general]\nkey=lower\nA=2\na=3\n[a]\n");
-    KiniRun run = kini({"get", path("f.ini"), "General", "key"});
+    ProgramRun run = kini({"get", path("f.ini"), "General", "key"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.out, " 5 ; five\n");
     EXPECT_EQ(kini({"get", path("f.ini"), "general", "key  "}).out, "lower\n");
@@ -114,7 +90,7 @@ TEST_F(Kini, GetSectionsAndKeysAnswerFromTheFileAsItStands) {
 
 TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSameAndElseChangesInPlaceOrAppends) {
     dir.write("f.ini", kMixed);
-    const KiniRun comment = kini({"set", path("f.ini"), "b", ";x", "1"});
+    const ProgramRun comment = kini({"set", path("f.ini"), "b", ";x", "1"});
     EXPECT_EQ(comment.code, 2);
     EXPECT_EQ(comment.err, "kini: a key cannot start with ';'\n");
     for (const std::vector<std::string>& args :
@@ -124,7 +100,7 @@ TEST_F(Kini, SetRefusesWhatWouldNotReadBackTheSameAndElseChangesInPlaceOrAppends
                                                {"b", " k", "1"},
                                                {"b", "[k]", "1"},
                                                {"s]x", "k", "1"}}) {
-        const KiniRun run = kini({"set", path("f.ini"), args[0], args[1], args[2]});
+        const ProgramRun run = kini({"set", path("f.ini"), args[0], args[1], args[2]});
         EXPECT_EQ(run.code, 2) << args[0] << " " << args[1];
         EXPECT_FALSE(run.err.empty());
     }
@@ -170,7 +146,7 @@ TEST_F(Kini, BadOrMissingFilesAreNeverWritten) {
                 continue;
             std::vector<std::string> full{args[0], path(name)};
             full.insert(full.end(), args.begin() + 1, args.end());
-            const KiniRun run = kini(full);
+            const ProgramRun run = kini(full);
             EXPECT_EQ(run.code, 2) << args[0] << " " << name;
             EXPECT_EQ(run.out, "");
             EXPECT_EQ(run.err, "kini: " + path(name) +
