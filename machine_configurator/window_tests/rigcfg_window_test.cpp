@@ -328,6 +328,9 @@ protected:
             ::unsetenv("KORV_UI_SCRIPT");
             ::setenv("KORV_LOG_DIR", log.c_str(), 1);
             ::setenv("KORV_TRACE", "5", 1);
+#ifdef UI_QT_LSAN_SUPPRESSIONS
+            ::setenv("LSAN_OPTIONS", "suppressions=" UI_QT_LSAN_SUPPRESSIONS, 1);
+#endif
             if (extra_env)
                 ::putenv(const_cast<char*>(extra_env));
             const std::string err = root / "stderr.txt";
