@@ -5,6 +5,7 @@
 #include "main_dialog/RigCfgDlg.h"
 #include "qt_test_support.h"
 #include "rigcfg_files_fixture.h"
+#include "wizard/FacDiskNameIoDlg.h"
 #include "wizard/WizardDlg.h"
 
 #include "kplatform_module.h"
@@ -270,6 +271,27 @@ TEST_F(RigCfgWindow, TheAboutBoxShowsTheVersionAndEndsWithOk) {
     EXPECT_TRUE(steps.done());
 }
 
+TEST_F(RigCfgWindow, TheFactoryDiskDialogTakesTheTypedNameOnOk) {
+    CFacDiskNameIoDlg dialog;
+    dialog.m_foundDriveUnit = "MFU 9";
+    Driver steps;
+    steps.on_dialog(CFacDiskNameIoDlg::IDD, [](QWidget* w) {
+        EXPECT_EQ(text_shown(w, CFacDiskNameIoDlg::IDC_FOUND_DRIVE_UNIT), "MFU 9");
+        // The texts keep their tabs, which the window shows as such.
+        bool tab = false;
+        for (QWidget* label : w->findChildren<QWidget*>(QStringLiteral("control-1")))
+            tab = tab || label->property("text").toString().contains('\t');
+        EXPECT_TRUE(tab);
+        qt_test::save_shot(w, "factory_disk");
+        QTest::keyClicks(shown(w, CFacDiskNameIoDlg::IDC_SPECIFIED_DRIVE_UNIT), "MFU 100");
+        click(w, korv::ui::IDOK);
+    });
+    steps.start();
+    EXPECT_EQ(dialog.DoModal(), korv::ui::IDOK);
+    EXPECT_TRUE(steps.done());
+    EXPECT_EQ(dialog.m_specifiedDriveUnit, "MFU 100");
+}
+
 // Every dialog of the resource source, sixteen, alone in a window of its own.
 TEST_F(RigCfgWindow, EveryTemplateOpensWithItsDesignedLayout) {
     int opened = 0;
@@ -374,7 +396,9 @@ protected:
         EXPECT_EQ(std::system(command.c_str()), 0) << command;
     }
 
-    std::string Trace() const { return file("log/trace.log"); }
+    std::string Trace() const {
+        return file("log/trace.log");
+    }
 
     pid_t m_pid = -1;
 };
