@@ -19,15 +19,13 @@ namespace fs = std::filesystem;
 using korv::faults::exit_code;
 using korv::faults::Files;
 using korv::faults::Installation;
+using korv::faults::kCopy;
+using korv::faults::kCreate;
+using korv::faults::kKorECon;
+using korv::faults::kMidspan;
 using korv::faults::temp_target;
 
 namespace {
-
-const std::string kMidspan = "drive_c/ProgramData/Korv/Midspan Plugin/";
-const std::string kKorECon = "drive_c/ProgramData/Korv/KorECon/";
-const std::vector<std::string> kCopy = {"file=VD_140.ini", "variant=6140001"};
-const std::vector<std::string> kCreate = {"control=korecon", "file=KMX_100_create.ini",
-                                          "variant=9100100"};
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;

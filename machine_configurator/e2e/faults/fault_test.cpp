@@ -20,17 +20,15 @@ namespace fs = std::filesystem;
 using korv::faults::exit_code;
 using korv::faults::Files;
 using korv::faults::Installation;
+using korv::faults::kCopy;
+using korv::faults::kCreate;
+using korv::faults::kKorECon;
+using korv::faults::kMachines;
+using korv::faults::kMidspan;
 using korv::faults::Run;
 using korv::faults::temp_target;
 
 namespace {
-
-const std::string kMidspan = "drive_c/ProgramData/Korv/Midspan Plugin/";
-const std::string kKorECon = "drive_c/ProgramData/Korv/KorECon/";
-const std::string kMachines = "drive_c/ProgramData/Korv/KorSystemConfig/machines/";
-const std::vector<std::string> kCopy = {"file=VD_140.ini", "variant=6140001"};
-const std::vector<std::string> kCreate = {"control=korecon", "file=KMX_100_create.ini",
-                                          "variant=9100100"};
 
 // The files of a complete run on an untouched installation.
 const Files& complete(const std::vector<std::string>& args) {

@@ -13,6 +13,15 @@
 
 namespace korv::faults {
 
+// Where the example installation keeps the files the silent courses write and
+// read, below its root, and the two courses as the suite starts them.
+inline const std::string kMidspan = "drive_c/ProgramData/Korv/Midspan Plugin/";
+inline const std::string kKorECon = "drive_c/ProgramData/Korv/KorECon/";
+inline const std::string kMachines = "drive_c/ProgramData/Korv/KorSystemConfig/machines/";
+inline const std::vector<std::string> kCopy = {"file=VD_140.ini", "variant=6140001"};
+inline const std::vector<std::string> kCreate = {"control=korecon", "file=KMX_100_create.ini",
+                                                 "variant=9100100"};
+
 // Every regular file below the installation's root by its path there, with
 // its bytes.
 using Files = std::map<std::string, std::string>;
