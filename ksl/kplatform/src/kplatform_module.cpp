@@ -6,14 +6,21 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <unistd.h>
 
 namespace korv::platform {
 
 std::string executable_path() {
-    char resolved[PATH_MAX];
-    if (!::realpath("/proc/self/exe", resolved))
-        return {};
-    return resolved;
+    // The kernel's link already names the file with every link resolved; a
+    // run asks for it several times, so it is read once.
+    static const std::string path = [] {
+        char resolved[PATH_MAX];
+        const ssize_t length = ::readlink("/proc/self/exe", resolved, sizeof resolved);
+        return length > 0 && length < static_cast<ssize_t>(sizeof resolved)
+                   ? std::string(resolved, static_cast<std::size_t>(length))
+                   : std::string();
+    }();
+    return path;
 }
 
 std::uint32_t GetModuleFileNameA(HMODULE module, char* name, std::uint32_t size) {
