@@ -54,6 +54,10 @@ void walk(HKEY key, int depth) {
         if (RegEnumKeyExA(key, i, name.data(), &name_size, nullptr, nullptr, nullptr, nullptr) !=
             ERROR_SUCCESS)
             break;
+        // A name cut short by a NUL the file held (or an empty one) opens this
+        // same key again: walking it would only repeat the walk, ever wider.
+        if (name_size == 0 || std::strlen(name.data()) != name_size)
+            continue;
         HKEY sub = nullptr;
         if (RegOpenKeyExA(key, name.data(), 0, KEY_READ, &sub) == ERROR_SUCCESS) {
             walk(sub, depth + 1);
