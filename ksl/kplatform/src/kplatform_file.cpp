@@ -214,7 +214,10 @@ bool delete_file(const std::string& path) {
 }
 
 bool path_exists(const std::string& path) {
-    const std::string native = native_path(path);
+    Presence presence;
+    const std::string native = native_path(path, &presence);
+    if (presence != Presence::Unknown)
+        return presence == Presence::Present || fail_with(ENOENT, false);
     return ::access(native.c_str(), F_OK) == 0 || fail_with_errno(false);
 }
 

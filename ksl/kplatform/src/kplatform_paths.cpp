@@ -1,18 +1,18 @@
 #include "kplatform_paths.h"
 
+#include "file_state.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <dirent.h>
-#include <strings.h>
+#include <mutex>
 #include <sys/stat.h>
+#include <unordered_map>
 
 namespace korv::platform {
 namespace {
-
-bool exists(const std::string& path) {
-    struct stat st;
-    return ::lstat(path.c_str(), &st) == 0;
-}
 
 bool is_drive_prefix(std::string_view path) {
     const bool letter =
@@ -20,26 +20,121 @@ bool is_drive_prefix(std::string_view path) {
     return letter && path.size() >= 2 && path[1] == ':';
 }
 
-// The one entry of `folder` whose name equals `name` ignoring ASCII case.
-// Several candidates can only arise on a case-sensitive file system; the
-// smallest name wins so that the answer does not depend on directory order.
-bool find_ignoring_case(const std::string& folder, std::string_view name, std::string& found) {
-    DIR* dir = ::opendir(folder.empty() ? "." : folder.c_str());
+std::string folded(std::string_view name) {
+    std::string key(name);
+    for (char& c : key)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c | 0x20);
+    return key;
+}
+
+// The names of a folder by their ASCII-folded form, kept for the run so that a
+// large folder is read once however many names are looked up in it. An index
+// is used only while its folder shows the state it was read in: any later
+// change, this process's or another's, moves its times. Several names that fold alike
+// can only arise on a case-sensitive file system: the exact one wins, else the
+// smallest, so that the answer does not depend on directory order.
+struct Match {
+    std::string smallest;
+    bool several = false;
+};
+
+struct FolderIndex {
+    FileState state;
+    std::unordered_map<std::string, Match> names;
+};
+
+struct Indexes {
+    std::mutex mutex;
+    std::unordered_map<std::string, FolderIndex> folders;
+    std::size_t reads = 0;
+};
+
+Indexes& indexes() {
+    static Indexes* all = new Indexes; // outlives every static destructor
+    return *all;
+}
+
+// A folder changed this recently may change again within the same tick of the
+// file system's clock without its times showing it: its listing is not kept.
+// A listing that is kept was read well after the last change, so any change
+// after the reading gets later times.
+bool settled(const struct stat& st) {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const auto nanoseconds = [](const timespec& t) {
+        return static_cast<long long>(t.tv_sec) * 1000000000LL + t.tv_nsec;
+    };
+    constexpr long long kTick = 50'000'000; // well above any kernel's tick
+    const long long last = std::max(nanoseconds(st.st_mtim), nanoseconds(st.st_ctim));
+    return nanoseconds(now) - last > kTick;
+}
+
+bool read_index(const std::string& folder, FolderIndex& index) {
+    DIR* dir = ::opendir(folder.c_str());
     if (!dir)
         return false;
-    bool hit = false;
+    struct stat st;
+    if (::fstat(::dirfd(dir), &st) != 0) {
+        ::closedir(dir);
+        return false;
+    }
+    index.state = FileState::of(st);
+    index.names.clear();
     while (const dirent* entry = ::readdir(dir)) {
-        const std::string_view candidate(entry->d_name);
-        if (candidate.size() != name.size())
-            continue;
-        if (::strncasecmp(candidate.data(), name.data(), name.size()) != 0)
-            continue;
-        if (!hit || candidate < found)
-            found.assign(candidate);
-        hit = true;
+        const std::string_view name(entry->d_name);
+        auto [it, added] = index.names.try_emplace(folded(name), Match{std::string(name)});
+        if (!added) {
+            it->second.several = true;
+            if (name < it->second.smallest)
+                it->second.smallest.assign(name);
+        }
     }
     ::closedir(dir);
-    return hit;
+    return true;
+}
+
+void pick(const std::string& folder, const Match& match, std::string_view name,
+          std::string& found) {
+    struct stat st;
+    if (match.several && ::lstat((folder + '/').append(name).c_str(), &st) == 0)
+        found.assign(name);
+    else
+        found = match.smallest;
+}
+
+enum class Lookup { Found, Missing, Unreadable };
+
+// The entry of `folder` (whose state is `st`) whose name equals `name`
+// ignoring ASCII case.
+Lookup find_ignoring_case(const std::string& folder, const struct stat& st, std::string_view name,
+                          std::string& found) {
+    Indexes& all = indexes();
+    std::unique_lock lock(all.mutex);
+    auto it = all.folders.find(folder);
+    if (it == all.folders.end() || !(it->second.state == FileState::of(st))) {
+        FolderIndex fresh;
+        ++all.reads;
+        if (!read_index(folder, fresh))
+            return Lookup::Unreadable;
+        if (!settled(st)) {
+            all.folders.erase(folder);
+            lock.unlock();
+            const auto hit = fresh.names.find(folded(name));
+            if (hit == fresh.names.end())
+                return Lookup::Missing;
+            pick(folder, hit->second, name, found);
+            return Lookup::Found;
+        }
+        it = all.folders.insert_or_assign(folder, std::move(fresh)).first;
+    }
+    const auto hit = it->second.names.find(folded(name));
+    if (hit == it->second.names.end())
+        return Lookup::Missing;
+    const Match match = hit->second;
+    lock.unlock();
+    pick(folder, match, name, found);
+    return Lookup::Found;
 }
 
 } // namespace
@@ -63,7 +158,7 @@ std::string korv_root() {
     return result;
 }
 
-std::string native_path(std::string_view path) {
+std::string native_path(std::string_view path, Presence* presence) {
     std::string result;
     if (is_drive_prefix(path)) {
         result = korv_root();
@@ -97,36 +192,83 @@ std::string native_path(std::string_view path) {
         return path.empty() ? std::string() : std::string(".");
 
     // Fast path: the path exists as written, which is the common case.
-    if (exists(result))
+    Presence unused;
+    Presence& found_here = presence ? *presence : unused;
+    found_here = Presence::Unknown;
+    struct stat st;
+    if (::lstat(result.c_str(), &st) == 0) {
+        if (!S_ISLNK(st.st_mode))
+            found_here = Presence::Present;
         return result;
+    }
 
-    // Walk component by component, taking a case-insensitive match where the
-    // exact name is missing. Once a folder is missing the rest is new.
-    std::string walked = result.substr(0, base);
-    std::size_t at = base;
+    // The deepest folder above that exists as written; below it, each name
+    // is looked up ignoring case in its folder's listing. Once a name is
+    // missing altogether the rest is new and keeps the case given.
+    std::size_t known = result.size();
+    bool found_folder = false;
+    while (known > base) {
+        known = result.rfind('/', known - 1);
+        if (known == std::string::npos || known < base) {
+            known = base;
+            break;
+        }
+        const std::string folder = result.substr(0, known == 0 ? 1 : known);
+        if (::stat(folder.c_str(), &st) == 0) {
+            found_folder = S_ISDIR(st.st_mode);
+            break;
+        }
+    }
+    std::string walked = result.substr(0, known);
+    if (!found_folder) {
+        // Nothing above exists as written: start from the root of the path.
+        walked = result.substr(0, base);
+        known = base;
+        const std::string start = walked.empty() ? std::string(".") : walked;
+        if (::stat(start.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+            return result;
+    }
+    std::size_t at = known;
+    while (at < result.size() && result[at] == '/')
+        ++at;
     bool folder_exists = true;
     while (at < result.size()) {
         std::size_t end = result.find('/', at);
         if (end == std::string::npos)
             end = result.size();
         const std::string_view component(result.data() + at, end - at);
-        std::string candidate = walked;
-        if (!candidate.empty() && candidate.back() != '/')
-            candidate += '/';
-        const std::size_t name_at = candidate.size();
-        candidate.append(component);
-        if (folder_exists && !exists(candidate) && component != "." && component != "..") {
-            std::string found;
-            std::string folder = walked.empty() ? std::string(".") : walked;
-            if (find_ignoring_case(folder, component, found))
-                candidate.replace(name_at, std::string::npos, found);
-            else
-                folder_exists = false;
+        if (!walked.empty() && walked.back() != '/')
+            walked += '/';
+        Lookup lookup = Lookup::Unreadable;
+        std::string found;
+        if (folder_exists && component != "." && component != "..") {
+            lookup = find_ignoring_case(walked.size() > 1 ? walked.substr(0, walked.size() - 1)
+                                                          : (walked.empty() ? "." : walked),
+                                        st, component, found);
         }
-        walked = std::move(candidate);
+        if (lookup == Lookup::Found) {
+            walked += found;
+        } else {
+            // Missing from a folder that exists: nothing below can exist.
+            if (lookup == Lookup::Missing && found_here == Presence::Unknown)
+                found_here = Presence::Absent;
+            walked.append(component);
+        }
+        // The next name is looked up in this one, if it is a folder.
+        if (end < result.size() &&
+            (lookup == Lookup::Found || (folder_exists && lookup == Lookup::Unreadable)))
+            folder_exists = ::stat(walked.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+        else if (lookup == Lookup::Missing)
+            folder_exists = false;
         at = end + 1;
     }
     return walked;
+}
+
+std::size_t folder_listings_read() {
+    Indexes& all = indexes();
+    std::lock_guard lock(all.mutex);
+    return all.reads;
 }
 
 } // namespace korv::platform

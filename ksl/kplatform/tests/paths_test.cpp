@@ -1,8 +1,13 @@
+#include "kplatform_file.h"
 #include "kplatform_paths.h"
 #include "kplatform_shell_folders.h"
 #include "scratch_dir.h"
 
+#include <chrono>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <string>
+#include <thread>
 
 using korv::platform::native_path;
 using korv::testing::ScratchRoot;
@@ -31,6 +36,36 @@ TEST(NativePath, MissingComponentTakesTheEntryThatMatchesIgnoringCase) {
     root.write("drive_c/a/file.txt", "2");
     EXPECT_EQ(native_path("C:\\a\\file.txt"), root.path() + "/drive_c/a/file.txt");
     EXPECT_EQ(native_path("C:\\a\\FILE.txt"), root.path() + "/drive_c/a/File.txt");
+}
+
+TEST(NativePath, ALargeFolderIsListedOnceUntilItChanges) {
+    ScratchRoot root;
+    for (int i = 0; i < 2000; ++i)
+        root.write("drive_c/Big/Machine_" + std::to_string(i) + ".ini", "");
+    // A folder read right after a change could change again unseen within
+    // one tick of the file system's clock; only a settled folder is kept.
+    std::this_thread::sleep_for(std::chrono::milliseconds(120));
+
+    const std::size_t before = korv::platform::folder_listings_read();
+    for (int i = 0; i < 2000; i += 97)
+        EXPECT_EQ(native_path("C:\\Big\\MACHINE_" + std::to_string(i) + ".INI"),
+                  root.path() + "/drive_c/Big/Machine_" + std::to_string(i) + ".ini");
+    EXPECT_EQ(native_path("C:\\Big\\missing.ini"), root.path() + "/drive_c/Big/missing.ini");
+    EXPECT_FALSE(korv::platform::path_exists("C:\\Big\\missing.ini"));
+    EXPECT_TRUE(korv::platform::path_exists("C:\\BIG\\machine_7.ini"));
+    // Big's listing, and drive_c's for "BIG".
+    EXPECT_EQ(korv::platform::folder_listings_read() - before, 2u);
+
+    // Another writer's new file is seen at once, the folder then read again.
+    root.write("drive_c/Big/NEW.ini", "");
+    EXPECT_EQ(native_path("C:\\Big\\new.ini"), root.path() + "/drive_c/Big/NEW.ini");
+    EXPECT_TRUE(korv::platform::path_exists("C:\\Big\\New.ini"));
+    root.write("drive_c/Big/new.ini", "");
+    EXPECT_EQ(native_path("C:\\Big\\new.ini"), root.path() + "/drive_c/Big/new.ini");
+    EXPECT_EQ(native_path("C:\\Big\\nEw.ini"), root.path() + "/drive_c/Big/NEW.ini");
+    std::filesystem::remove(root.path() + "/drive_c/Big/NEW.ini");
+    std::filesystem::remove(root.path() + "/drive_c/Big/new.ini");
+    EXPECT_FALSE(korv::platform::path_exists("C:\\Big\\NEW.INI"));
 }
 
 TEST(SpecialFolders, AnswerInWindowsFormAndCreateBelowTheRoot) {
