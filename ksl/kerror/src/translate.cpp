@@ -15,10 +15,24 @@
 
 namespace {
 
+// The catalogue is parsed at its first use: a silent run mostly translates
+// nothing, and a second init on the same file reads nothing again.
 struct Translations {
     std::string language;
     std::string domain;
+    std::string source; // the file the text came from; empty if none
+    std::string text;   // its text, until parsed
+    bool parsed = false;
     korv::diag::detail::PoCatalog catalog;
+
+    const korv::diag::detail::PoCatalog& parse() {
+        if (!parsed) {
+            catalog = korv::diag::detail::parse_po(text);
+            text = std::string();
+            parsed = true;
+        }
+        return catalog;
+    }
 };
 
 std::mutex g_mutex;
@@ -63,34 +77,41 @@ void Translate_init(const std::string& /*text*/, const std::string& folder,
         candidates.push_back(std::string(KORV_DATA_DIR) + relative);
     }
 
-    Translations fresh;
-    fresh.language = lower(language);
-    fresh.domain = domain;
-    std::string text;
-    bool found = false;
-    for (const std::string& path : candidates) {
-        if (read_file(path, text)) {
-            fresh.catalog = korv::diag::detail::parse_po(text);
-            KTRACE(4, "Translate_init(): %zu texts for \"%s\" from %s", fresh.catalog.size(),
-                   fresh.language.c_str(), path.c_str());
-            found = true;
-            break;
-        }
-    }
-    if (!found)
-        KTRACE(2, "Translate_init(): no translation file %s for \"%s\"", relative.c_str(),
-               fresh.language.c_str());
-
+    const std::string wanted_language = lower(language);
     std::lock_guard lock(g_mutex);
-    translations() = std::move(fresh);
+    Translations& current = translations();
+    for (const std::string& path : candidates) {
+        const bool loaded = !current.source.empty() && current.source == path;
+        std::string text;
+        if (!loaded && !read_file(path, text))
+            continue;
+        if (!loaded) {
+            current = Translations{};
+            current.source = path;
+            current.text = std::move(text);
+        }
+        current.language = wanted_language;
+        current.domain = domain;
+        if (_KTrace_TestLevel(KORV_MODULE, 4))
+            KTRACE(4, "Translate_init(): %zu texts for \"%s\" from %s", current.parse().size(),
+                   current.language.c_str(), path.c_str());
+        return;
+    }
+    current = Translations{};
+    current.language = wanted_language;
+    current.domain = domain;
+    current.parsed = true;
+    KTRACE(2, "Translate_init(): no translation file %s for \"%s\"", relative.c_str(),
+           current.language.c_str());
 }
 
 std::string Translate(const std::string& key, int /*flags*/, int* found,
                       const std::string& domain) {
     std::lock_guard lock(g_mutex);
-    const Translations& t = translations();
+    Translations& t = translations();
     if (domain == t.domain) {
-        if (const auto it = t.catalog.find(key); it != t.catalog.end()) {
+        const auto& catalog = t.parse();
+        if (const auto it = catalog.find(key); it != catalog.end()) {
             if (found)
                 *found = 1;
             return it->second;
