@@ -135,6 +135,10 @@ private:
     std::int64_t write_value(const void* value, std::size_t size, const char* operation);
 };
 
+// The first CR or LF in [begin, end), or `end`: the scan under ReadLine, for
+// callers that split text they hold.
+const char* KFastFile_FindLineEnd(const char* begin, const char* end);
+
 // Whole files. Paths may be Windows-style.
 std::int64_t KFastFile_ReadAtOnce(const std::string& path, char* buffer, std::size_t size);
 // The string is sized to the file first and emptied on failure.

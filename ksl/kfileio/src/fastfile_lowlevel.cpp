@@ -24,7 +24,9 @@ bool read64(platform::FileHandle file, void* buffer, std::size_t size, std::size
             return false;
         }
         count += got;
-        if (got == 0)
+        // read_file stops short only at the end of the file: asking again
+        // would cost a call that reads nothing.
+        if (got < want)
             break;
     } while (count < size);
     return true;

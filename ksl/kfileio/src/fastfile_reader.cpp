@@ -7,6 +7,10 @@
 
 namespace korv {
 
+const char* KFastFile_FindLineEnd(const char* begin, const char* end) {
+    return detail::find_first_of2(begin, end, '\r', '\n');
+}
+
 KFastFileReader::KFastFileReader() = default;
 
 KFastFileReader::KFastFileReader(const std::string& path) {

@@ -1,7 +1,7 @@
-// Memory for the lines of one ini container, the nodes of their entry maps and
-// the entry names.
+// Memory for the lines of one ini container, the text of the file they view,
+// and the entry names made later.
 //
-// A loaded file is one line object, one index node and one name per entry.
+// A loaded file is its text and one line object per line.
 // Taking them from a few large blocks instead of one heap allocation each makes
 // a load much cheaper, keeps the lines of a file close together in memory, and
 // saves the heap's per-allocation overhead. Freed pieces go to a free list by
@@ -39,6 +39,12 @@ public:
     // piece stays unused until the arena goes.
     static void abandon_line(void* line) noexcept;
 
+    // Room for the text of a loaded file, which the lines then view; it goes
+    // with the arena. Throws std::bad_alloc.
+    char* allocate_text(std::size_t size);
+    // Gives back room from allocate_text that no line views.
+    void free_text(char* text) noexcept;
+
     // Names of entries, the keys of their index: bytes in the arena, or on the
     // heap without one. An empty name takes no memory.
     static std::string_view store_name(KIniDataArena* arena, std::string_view name);
@@ -67,6 +73,10 @@ private:
     struct FreePiece {
         FreePiece* next;
     };
+    struct TextBlock {
+        TextBlock* next;
+        TextBlock* prev;
+    };
     struct LargePiece { // in front of a piece above kLargest
         LargePiece* prev;
         LargePiece* next;
@@ -78,6 +88,7 @@ private:
     std::size_t m_block_size = kFirstBlock;
     FreePiece* m_free[kLargest / kAlign + 1] = {};
     LargePiece* m_large = nullptr;
+    TextBlock* m_texts = nullptr;
     std::size_t m_lines = 0; // line objects out
     bool m_owned = true;
 };

@@ -64,11 +64,78 @@ struct KIniDataCaseSensitiveCompare {
     }
 };
 
+// The text of a line. A loaded line views bytes of its file, which its
+// container's arena holds; a line made or changed later owns a heap copy.
+// Either way a NUL follows the text, so the C conversions stop at its end.
+class KIniDataText {
+public:
+    KIniDataText() = default;
+    explicit KIniDataText(std::string_view text) { assign(text); }
+    ~KIniDataText() { release(); }
+    KIniDataText(const KIniDataText&) = delete;
+    KIniDataText& operator=(const KIniDataText&) = delete;
+    // Copies; throws std::bad_alloc and then keeps the old text.
+    KIniDataText& operator=(std::string_view text) {
+        assign(text);
+        return *this;
+    }
+
+    // Views `size` bytes that outlive this object and are followed by a NUL.
+    static KIniDataText view(const char* data, std::size_t size) noexcept {
+        KIniDataText text;
+        text.m_data = data;
+        text.m_bits = size;
+        return text;
+    }
+    KIniDataText(KIniDataText&& other) noexcept : m_data(other.m_data), m_bits(other.m_bits) {
+        other.m_data = "";
+        other.m_bits = 0;
+    }
+
+    const char* data() const noexcept { return m_data; }
+    const char* c_str() const noexcept { return m_data; }
+    std::size_t size() const noexcept { return m_bits & kSizeMask; }
+    std::size_t length() const noexcept { return size(); }
+    bool empty() const noexcept { return size() == 0; }
+    char operator[](std::size_t i) const noexcept { return m_data[i]; }
+    const char* begin() const noexcept { return m_data; }
+    const char* end() const noexcept { return m_data + size(); }
+    operator std::string_view() const noexcept { return {m_data, size()}; }
+    std::string str() const { return std::string(m_data, size()); }
+    std::size_t find(char c, std::size_t pos = 0) const noexcept {
+        return std::string_view(*this).find(c, pos);
+    }
+    std::string_view substr(std::size_t pos, std::size_t n = std::string_view::npos) const {
+        return std::string_view(*this).substr(pos, n);
+    }
+    friend bool operator==(const KIniDataText& a, std::string_view b) noexcept {
+        return std::string_view(a) == b;
+    }
+
+    // One bit for the line that holds the text; assignments keep it.
+    bool mark() const noexcept { return (m_bits & kMark) != 0; }
+    void set_mark(bool on) noexcept { m_bits = on ? m_bits | kMark : m_bits & ~kMark; }
+
+private:
+    void assign(std::string_view text);
+    void release() noexcept;
+
+    static constexpr std::size_t kOwned = ~(~std::size_t(0) >> 1);
+    static constexpr std::size_t kMark = kOwned >> 1;
+    static constexpr std::size_t kSizeMask = kMark - 1;
+
+    const char* m_data = ""; // NUL-terminated at size()
+    std::size_t m_bits = 0;  // the size, kOwned if m_data is ours, kMark
+};
+
+std::ostream& operator<<(std::ostream& stream, const KIniDataText& text);
+
 // One line of a file, without its line ending. Always deleted through the base.
 class KIniDataLine {
 public:
     KIniDataLine() = default;
     explicit KIniDataLine(std::string_view text) : line(text) {}
+    explicit KIniDataLine(KIniDataText&& text) noexcept : line(std::move(text)) {}
     virtual ~KIniDataLine() = default;
     KIniDataLine(const KIniDataLine&) = delete;
     KIniDataLine& operator=(const KIniDataLine&) = delete;
@@ -89,7 +156,7 @@ public:
         KIniDataArena::abandon_line(line);
     }
 
-    std::string line;
+    KIniDataText line;
 };
 
 // A line that carries a value: everything from value_pos to the end of the line,
@@ -97,10 +164,11 @@ public:
 class KIniDataEntry : public KIniDataLine {
 public:
     KIniDataEntry(std::string_view text, std::size_t pos) : KIniDataLine(text), value_pos(pos) {}
+    KIniDataEntry(KIniDataText&& text, std::size_t pos) noexcept
+        : KIniDataLine(std::move(text)), value_pos(pos) {}
 
     std::string_view GetValue() const {
-        return value_pos < line.size() ? std::string_view(line).substr(value_pos)
-                                       : std::string_view();
+        return value_pos < line.size() ? line.substr(value_pos) : std::string_view();
     }
     bool GetStringValue(std::string& value) const;
     // strtol base 10 held to 32 bits, strtoll, strtod. The output is written even
@@ -114,6 +182,63 @@ public:
     std::size_t value_pos;
 };
 
+// The index of a section: (name, entry) pairs sorted by name, in one array.
+// Names of loaded entries view the file's text; others are copies that the
+// section keeps.
+template <class Compare> class KIniDataEntryIndex {
+public:
+    using value_type = std::pair<std::string_view, KIniDataEntry*>;
+    using items_type = std::vector<value_type>;
+    using iterator = typename items_type::iterator;
+    using const_iterator = typename items_type::const_iterator;
+
+    iterator begin() noexcept { return m_items.begin(); }
+    iterator end() noexcept { return m_items.end(); }
+    const_iterator begin() const noexcept { return m_items.begin(); }
+    const_iterator end() const noexcept { return m_items.end(); }
+    std::size_t size() const noexcept { return m_items.size(); }
+    bool empty() const noexcept { return m_items.empty(); }
+    void clear() noexcept { m_items.clear(); }
+
+    iterator lower_bound(std::string_view name) { return begin() + (lower(name) - m_items.data()); }
+    const_iterator lower_bound(std::string_view name) const {
+        return begin() + (lower(name) - m_items.data());
+    }
+    iterator find(std::string_view name) {
+        const iterator it = lower_bound(name);
+        return it != end() && !Compare()(name, it->first) ? it : end();
+    }
+    const_iterator find(std::string_view name) const {
+        const const_iterator it = lower_bound(name);
+        return it != end() && !Compare()(name, it->first) ? it : end();
+    }
+    // `hint` must be where `name` belongs; throws std::bad_alloc.
+    iterator emplace_hint(const_iterator hint, std::string_view name, KIniDataEntry* entry) {
+        return m_items.emplace(hint, name, entry);
+    }
+    iterator erase(const_iterator it) { return m_items.erase(it); }
+    // Takes over items already sorted and free of duplicates.
+    void assign_sorted(items_type&& items) noexcept { m_items = std::move(items); }
+
+private:
+    const value_type* lower(std::string_view name) const {
+        const value_type* first = m_items.data();
+        std::size_t count = m_items.size();
+        while (count > 0) {
+            const std::size_t half = count / 2;
+            if (Compare()(first[half].first, name)) {
+                first += half + 1;
+                count -= half + 1;
+            } else {
+                count = half;
+            }
+        }
+        return first;
+    }
+
+    items_type m_items;
+};
+
 template <class Compare> class KIniDataT;
 class KFastFileReader;
 
@@ -121,14 +246,11 @@ class KFastFileReader;
 // section itself, and the section owns every element from 1 on.
 template <class Compare> class KIniDataSectionT : public KIniDataLine {
 public:
-    // The names are held by the section (in its arena), so a key costs no more
-    // than a view.
-    using EntryMap =
-        std::map<std::string_view, KIniDataEntry*, Compare,
-                 KIniDataArenaAllocator<std::pair<const std::string_view, KIniDataEntry*>>>;
+    using EntryMap = KIniDataEntryIndex<Compare>;
 
     // With an arena, the section's new entries and index nodes come from it.
     explicit KIniDataSectionT(std::string_view header, KIniDataArena* arena = nullptr);
+    KIniDataSectionT(KIniDataText&& header, KIniDataArena* arena);
     ~KIniDataSectionT() override;
 
     // Lookups remove trailing blanks and tabs from `name`; HasEntry does not.
@@ -164,7 +286,12 @@ private:
     // nothing behind.
     void index_entry(typename EntryMap::const_iterator hint, std::string_view name,
                      KIniDataEntry* entry);
+    // Enters a loaded entry under `name`, a view of the file's text.
+    void index_loaded_entry(typename EntryMap::const_iterator hint, std::string_view name,
+                            KIniDataEntry* entry);
     void unindex_entry(typename EntryMap::iterator it) noexcept;
+    // Frees the index's copy of an entry's name, if it has one.
+    void free_index_name(std::string_view name, const KIniDataEntry* entry) noexcept;
     bool set_entry_text(const char* caller, std::string_view name, std::string_view text);
 
     KIniDataArena* line_arena; // null for a section made on its own
@@ -236,7 +363,21 @@ public:
     std::string error_text;              // the last problem, at most 1023 characters
 
 private:
+    // An entry of the section being loaded, not yet in its index.
+    struct PendingEntry {
+        std::uint64_t head; // the first bytes of the name, for a quick order
+        std::string_view name;
+        KIniDataEntry* entry;
+        std::size_t place; // in pending_lines
+    };
+
     bool read_lines(KFastFileReader& reader);
+    // Parses `text`, which must stay where it is while lines view it.
+    bool parse_text(char* text, std::size_t size, bool from_file);
+    bool take_line(std::string_view line);
+    // Indexes the entries of the loaded section and gives it its lines. A
+    // repeated name fails as its line would have, and the lines from it on go.
+    bool close_section();
     bool place_pending_lines();
     bool parse_line(std::string_view line);
     bool parse_section_header(std::string_view line);
@@ -254,7 +395,10 @@ private:
                              std::string_view message_value);
 
     KIniDataArena* line_arena = nullptr;
-    std::vector<KIniDataLine*> pending_lines; // lines of current_section not yet in its line_vec
+    std::vector<KIniDataLine*> pending_lines;  // lines of current_section not yet in its line_vec
+    std::vector<PendingEntry> pending_entries; // entries of current_section not yet indexed
+    std::string_view failed_line;              // the line a failed parse stopped at
+    bool first_line = false;                   // the next line read is the file's first
 };
 
 template <class Compare>

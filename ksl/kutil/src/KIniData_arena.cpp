@@ -1,4 +1,4 @@
-// Block memory for the lines, index nodes and entry names of one ini container.
+// Block memory for the lines, file text and entry names of one ini container.
 #include "KIniData_arena.h"
 
 #include <cstring>
@@ -53,6 +53,32 @@ KIniDataArena::~KIniDataArena() {
         ::operator delete(m_large);
         m_large = next;
     }
+    while (m_texts) {
+        TextBlock* next = m_texts->next;
+        ::operator delete(m_texts);
+        m_texts = next;
+    }
+}
+
+char* KIniDataArena::allocate_text(std::size_t size) {
+    auto* block = static_cast<TextBlock*>(::operator new(sizeof(TextBlock) + size));
+    block->prev = nullptr;
+    block->next = m_texts;
+    if (m_texts)
+        m_texts->prev = block;
+    m_texts = block;
+    return reinterpret_cast<char*>(block + 1);
+}
+
+void KIniDataArena::free_text(char* text) noexcept {
+    TextBlock* block = reinterpret_cast<TextBlock*>(text) - 1;
+    if (block->prev)
+        block->prev->next = block->next;
+    else
+        m_texts = block->next;
+    if (block->next)
+        block->next->prev = block->prev;
+    ::operator delete(block);
 }
 
 void KIniDataArena::release() noexcept {

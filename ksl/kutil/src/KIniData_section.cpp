@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <ostream>
 
 namespace korv {
 
@@ -26,6 +27,27 @@ const char* value_start(const KIniDataEntry& entry) {
 }
 
 } // namespace
+
+void KIniDataText::assign(std::string_view text) {
+    char* copy = new char[text.size() + 1];
+    if (!text.empty())
+        std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    release();
+    m_data = copy;
+    m_bits = text.size() | kOwned | (m_bits & kMark);
+}
+
+void KIniDataText::release() noexcept {
+    if (m_bits & kOwned)
+        delete[] m_data;
+    m_data = "";
+    m_bits &= kMark;
+}
+
+std::ostream& operator<<(std::ostream& stream, const KIniDataText& text) {
+    return stream << std::string_view(text);
+}
 
 bool KIniDataEntry::GetStringValue(std::string& value) const {
     value.assign(GetValue());
@@ -63,21 +85,39 @@ bool KIniDataEntry::GetDoubleValue(double& value) const {
 void KIniDataEntry::SetValue(std::string_view value) {
     if (value_pos > line.size())
         value_pos = line.size();
-    line.replace(value_pos, std::string::npos, value);
+    std::string text;
+    text.reserve(value_pos + value.size());
+    text.append(line.substr(0, value_pos)).append(value);
+    line = text;
 }
 
 template <class Compare>
 KIniDataSectionT<Compare>::KIniDataSectionT(std::string_view header, KIniDataArena* arena)
-    : KIniDataLine(header), entry_map(KIniDataArenaAllocator<typename EntryMap::value_type>(arena)),
-      line_arena(arena) {
+    : KIniDataLine(header), line_arena(arena) {
+    line_vec.reserve(10);
+    line_vec.push_back(this);
+}
+
+template <class Compare>
+KIniDataSectionT<Compare>::KIniDataSectionT(KIniDataText&& header, KIniDataArena* arena)
+    : KIniDataLine(std::move(header)), line_arena(arena) {
     line_vec.reserve(10);
     line_vec.push_back(this);
 }
 
 template <class Compare> KIniDataSectionT<Compare>::~KIniDataSectionT() {
+    for (const auto& [name, entry] : entry_map)
+        free_index_name(name, entry);
     for (std::size_t i = 1; i < line_vec.size(); ++i)
         delete line_vec[i];
-    for (const auto& [name, entry] : entry_map)
+}
+
+// An entry whose index name is a copy carries the mark; a loaded entry's
+// name views the file's text, which goes with the arena.
+template <class Compare>
+void KIniDataSectionT<Compare>::free_index_name(std::string_view name,
+                                                const KIniDataEntry* entry) noexcept {
+    if (entry->line.mark())
         KIniDataArena::free_name(line_arena, name);
 }
 
@@ -91,13 +131,20 @@ void KIniDataSectionT<Compare>::index_entry(typename EntryMap::const_iterator hi
         KIniDataArena::free_name(line_arena, stored);
         throw;
     }
+    entry->line.set_mark(true);
+}
+
+template <class Compare>
+void KIniDataSectionT<Compare>::index_loaded_entry(typename EntryMap::const_iterator hint,
+                                                   std::string_view name, KIniDataEntry* entry) {
+    entry_map.emplace_hint(hint, name, entry);
+    entry->line.set_mark(false);
 }
 
 template <class Compare>
 void KIniDataSectionT<Compare>::unindex_entry(typename EntryMap::iterator it) noexcept {
-    const std::string_view stored = it->first;
+    free_index_name(it->first, it->second);
     entry_map.erase(it);
-    KIniDataArena::free_name(line_arena, stored);
 }
 
 template <class Compare>
@@ -237,25 +284,28 @@ template <class Compare> bool KIniDataSectionT<Compare>::DeleteEntry(std::string
     }
     // The entry's line is found by its text, as a reader of the file would find it.
     for (std::size_t i = 1; i < line_vec.size(); ++i) {
-        const std::string& text = line_vec[i]->line;
+        const std::string_view text = line_vec[i]->line;
         std::size_t first = 0;
         while (first < text.size() && kini_is_blank(text[first]))
             ++first;
         if (first == text.size() || is_comment_char(text[first]))
             continue;
         const std::size_t eq = text.find('=');
-        if (eq == std::string::npos) {
-            KERRTRACE("KIniDataSectionT::DeleteEntry(): no '=' found in \"%.50s\"", text.c_str());
+        if (eq == std::string_view::npos) {
+            KERRTRACE("KIniDataSectionT::DeleteEntry(): no '=' found in \"%.50s\"",
+                      line_vec[i]->line.c_str());
             return false;
         }
         if (eq == first) {
-            KERRTRACE("KIniDataSectionT::DeleteEntry(): no entry name in \"%.50s\"", text.c_str());
+            KERRTRACE("KIniDataSectionT::DeleteEntry(): no entry name in \"%.50s\"",
+                      line_vec[i]->line.c_str());
             return false;
         }
-        if (kini_trim_right(std::string_view(text).substr(first, eq - first)) != name)
+        if (kini_trim_right(text.substr(first, eq - first)) != name)
             continue;
-        delete line_vec[i];
+        // The index entry goes first: whether its name is a copy is told by the line.
         unindex_entry(it);
+        delete line_vec[i];
         line_vec.erase(line_vec.begin() + static_cast<std::ptrdiff_t>(i));
         return true;
     }

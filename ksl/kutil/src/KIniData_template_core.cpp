@@ -4,11 +4,10 @@
 
 #include "errtrace.h"
 #include "fastfile.h"
-#include "kplatform_paths.h"
+#include "kplatform_file.h"
 
 #include <cstdarg>
 #include <cstdio>
-#include <unistd.h>
 
 namespace korv {
 
@@ -73,6 +72,7 @@ template <class Compare> void KIniDataT<Compare>::delete_all() {
     for (KIniDataLine* line : pending_lines)
         delete line;
     pending_lines.clear();
+    pending_entries.clear();
     for (auto& [name, section] : section_map)
         delete section;
     section_map.clear();
@@ -106,28 +106,33 @@ template <class Compare> bool KIniDataT<Compare>::Open(const std::string& name) 
         return false;
     }
     file_name = path;
-    // A file that isn't there opens empty: the first Save creates it.
-    if (::access(platform::native_path(file_name).c_str(), F_OK) != 0) {
-        is_open = true;
-        file_missing = true;
-        in_sync = false;
-        return true;
+    // The open tells an existing file from a missing one. Only when it fails is
+    // the path asked whether anything is there, and for an existing file the
+    // open is made again, so that its failure is told in its own words.
+    KFastFileReader reader;
+    KErrTrace_BeginContext();
+    const bool opened = reader.Open(file_name);
+    KErrTrace_ClearContext();
+    KErrTrace_EndContext();
+    if (!opened) {
+        // A file that isn't there opens empty: the first Save creates it.
+        if (!platform::path_exists(file_name)) {
+            is_open = true;
+            file_missing = true;
+            in_sync = false;
+            return true;
+        }
+        file_missing = false;
+        if (!reader.Open(file_name)) {
+            KERRTRACE("KIniData::Open(): KFastFileReader::Open() failed");
+            return false;
+        }
     }
     file_missing = false;
-    KFastFileReader reader;
-    if (!reader.Open(file_name)) {
-        KERRTRACE("KIniData::Open(): KFastFileReader::Open() failed");
-        return false;
-    }
     current_section = nullptr;
-    if (reader.IsEOF()) {
-        in_sync = true;
-        is_open = true;
-        return true;
-    }
     if (!read_lines(reader)) {
         // What was parsed stays, in its sections.
-        place_pending_lines();
+        close_section();
         return false;
     }
     in_sync = true;

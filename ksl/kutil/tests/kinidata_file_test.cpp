@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -109,7 +111,12 @@ TEST_F(KIniDataFile, LoadStopsWithTheParsersWords) {
         {"[s]\n \t=5\n", "No entry name found before '=' in \" \t=5\" in section [s]", " \t=5"},
         {"; ok\nkey=1\n[s]\n", "Possible entry \"key=1\" found before first section", "key=1"},
         {"  [abc]\n", "Possible entry \"  [abc]\" found before first section", "  [abc]"},
-        {"[s]\nkey =1\nkey=2\n", "Entry \"key\" seen twice in section [s]", "key=2"}};
+        {"[s]\nkey =1\nkey=2\n", "Entry \"key\" seen twice in section [s]", "key=2"},
+        // A repeat is told at the first line that repeats, before any later
+        // fault of the section and before the next section is looked at.
+        {"[s]\nz=1\na=1\nz=2\na=2\n", "Entry \"z\" seen twice in section [s]", "z=2"},
+        {"[s]\nk=1\nk=2\nk=3\nnovalue\n", "Entry \"k\" seen twice in section [s]", "k=2"},
+        {"[s]\nk=1\nk=2\n[s]\n", "Entry \"k\" seen twice in section [s]", "k=2"}};
     for (const auto& [content, error_text, failing_line] : cases) {
         dir.write("bad.ini", content);
         KIniData ini;
@@ -124,6 +131,85 @@ TEST_F(KIniDataFile, LoadStopsWithTheParsersWords) {
     KIniData ini(korv::KINI_REPLACE_ENTRIES | korv::KINI_RELAXED_LINES);
     EXPECT_FALSE(ini.Open(dir / "bad.ini"));
     EXPECT_EQ(ini.error_text, "Entry \"a\" deleting previous version failed");
+}
+
+TEST_F(KIniDataFile, ARepeatedNameKeepsOnlyTheLinesBeforeIt) {
+    dir.write("bad.ini", "[a]\nx=0\n[s]\nk=1\n; c\nm=2\nk=3\nn=4\n[t]\ny=5\n");
+    KIniData ini;
+    EXPECT_FALSE(ini.Open(dir / "bad.ini"));
+    EXPECT_EQ(ini.GetContentString(), "[a]\nx=0\n[s]\nk=1\n; c\nm=2\n");
+    EXPECT_EQ(ini.GetEntryNames("s"), (std::vector<std::string>{"k", "m"}));
+    std::string value;
+    EXPECT_TRUE(ini.GetStringEntry("s", "k", value));
+    EXPECT_EQ(value, "1");
+}
+
+TEST_F(KIniDataFile, MissingAndUnreadablePathsAnswerAsBefore) {
+    KIniData ini;
+    ASSERT_TRUE(ini.Open(dir / "none.ini"));
+    EXPECT_TRUE(ini.is_open && ini.file_missing);
+    EXPECT_TRUE(trace().empty());
+    // Something is there but it can't be read: the open's own words, once.
+    dir.write("folder.ini/inside", "");
+    EXPECT_FALSE(ini.Open(dir / "folder.ini"));
+    EXPECT_TRUE(!ini.is_open && !ini.file_missing);
+    const std::vector<std::string> lines = trace();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].rfind("openfile(): CreateFile(\"", 0), 0u);
+    EXPECT_EQ(lines[1].rfind("KFastFileReader::Open(): openfile(\"", 0), 0u);
+    EXPECT_EQ(lines[2], "KIniData::Open(): KFastFileReader::Open() failed");
+}
+
+// A file is read in growing blocks; lines that cross from one block to the
+// next, a line longer than a block, and a file that ends on a block's last
+// byte read as the same lines as the text split in one piece.
+TEST_F(KIniDataFile, LinesAcrossReadBlocksComeWhole) {
+    const char* const endings[] = {"\r\n", "\n", "\r"};
+    std::string text = "; head\r\n";
+    for (int i = 0; i < 9000; ++i) {
+        if (i % 40 == 0)
+            text += "[s" + std::to_string(i / 40) + "]" + endings[i % 3];
+        text += "k" + std::to_string(i) + "=" + std::to_string(i) + std::string(i % 17, ' ');
+        text += i == 700 ? "x" + std::string(70000, 'v') : "";
+        text += endings[(i / 3) % 3];
+    }
+    for (const std::size_t size : {std::size_t(16384), std::size_t(16385), text.size() + 10}) {
+        std::string bytes = text.substr(0, std::min(size, text.size()));
+        // Up to `size`, the last line a comment without a line ending.
+        bytes.erase(bytes.find_last_of("\r\n") + 1);
+        bytes += "; " + std::string(size - bytes.size() - 2, 'p');
+        ASSERT_EQ(bytes.size(), size);
+        dir.write("blocks.ini", bytes);
+        KIniData loaded;
+        ASSERT_TRUE(loaded.Open(dir / "blocks.ini")) << loaded.error_text;
+        KIniData split;
+        ASSERT_TRUE(split.SetContentString(bytes));
+        EXPECT_EQ(loaded.GetContentString(), split.GetContentString()) << size;
+        std::int32_t number = 0;
+        EXPECT_EQ(loaded.GetLongEntry("s0", "k1", number) && number == 1, true);
+    }
+    KIniData loaded;
+    ASSERT_TRUE(loaded.Open(dir / "blocks.ini"));
+    std::string value;
+    ASSERT_TRUE(loaded.GetStringEntry("s17", "k700", value));
+    EXPECT_EQ(value, "700" + std::string(700 % 17, ' ') + "x" + std::string(70000, 'v'));
+    std::int32_t number = 0;
+    EXPECT_TRUE(loaded.GetLongEntry("s224", "k8999", number));
+    EXPECT_EQ(number, 8999);
+}
+
+// Numbers are read up to the end of their own line, never into the next one.
+TEST_F(KIniDataFile, ValuesEndWithTheirLine) {
+    dir.write("n.ini", "[s]\r\nblank= \r\n 5=x\r\nlast=12");
+    KIniData ini;
+    ASSERT_TRUE(ini.Open(dir / "n.ini"));
+    std::int32_t number = 42;
+    EXPECT_FALSE(ini.GetLongEntry("s", "blank", number));
+    EXPECT_EQ(number, 0);
+    double real = 1;
+    EXPECT_FALSE(ini.GetDoubleEntry("s", "blank", real));
+    EXPECT_TRUE(ini.GetLongEntry("s", "last", number));
+    EXPECT_EQ(number, 12);
 }
 
 TEST_F(KIniDataFile, ErrorTextIsBoundedAndTraceTextCut) {
