@@ -31,13 +31,14 @@ public:
     // The owner lets go; the arena goes as soon as no line is out.
     void release() noexcept;
 
-    // Line objects: a word in front of each names the arena it came from, or
-    // null for the heap, so that a plain delete finds its way back.
+    // Line objects. One from an arena is found again by the address of its
+    // block, so it carries no word of its own; its memory stays unused until
+    // the arena goes, which bounds it by what was loaded. Null: the heap.
     static void* allocate_line(KIniDataArena* arena, std::size_t size);
-    static void deallocate_line(void* line, std::size_t size) noexcept;
-    // For a line whose constructor threw: its size is unknown, so an arena
-    // piece stays unused until the arena goes.
-    static void abandon_line(void* line) noexcept;
+    // A line from allocate_line, after its destructor ran.
+    static void free_line(void* line, bool from_arena) noexcept;
+    // For a line whose constructor threw.
+    static void abandon_line(KIniDataArena* arena, void* line) noexcept;
 
     // Room for the text of a loaded file, which the lines then view; it goes
     // with the arena. Throws std::bad_alloc.
@@ -61,14 +62,14 @@ private:
 
     static constexpr std::size_t kAlign = 8;
     static constexpr std::size_t kLargest = 256; // bigger pieces come from the heap, listed
-    static constexpr std::size_t kFirstBlock = 2048;
-    // Blocks stay below the sizes at which the C heap maps memory of its own
-    // or tidies up its free lists on every release.
-    static constexpr std::size_t kLargestBlock = 32 * 1024;
+    // Blocks are aligned to their size, so that a piece finds its block's
+    // header; they stay below the sizes at which the C heap maps memory of
+    // its own or tidies up its free lists on every release.
+    static constexpr std::size_t kBlockSize = 32 * 1024;
 
     struct Block {
         Block* next;
-        std::size_t size;
+        KIniDataArena* arena;
     };
     struct FreePiece {
         FreePiece* next;
@@ -85,7 +86,6 @@ private:
     char* m_next = nullptr; // unused rest of the newest block
     char* m_end = nullptr;
     Block* m_blocks = nullptr;
-    std::size_t m_block_size = kFirstBlock;
     FreePiece* m_free[kLargest / kAlign + 1] = {};
     LargePiece* m_large = nullptr;
     TextBlock* m_texts = nullptr;

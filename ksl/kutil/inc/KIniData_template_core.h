@@ -16,6 +16,7 @@
 #include <cstring>
 #include <iosfwd>
 #include <map>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -112,9 +113,11 @@ public:
         return std::string_view(a) == b;
     }
 
-    // One bit for the line that holds the text; assignments keep it.
+    // Two bits for the line that holds the text; assignments keep them.
     bool mark() const noexcept { return (m_bits & kMark) != 0; }
     void set_mark(bool on) noexcept { m_bits = on ? m_bits | kMark : m_bits & ~kMark; }
+    bool from_arena() const noexcept { return (m_bits & kArena) != 0; }
+    void set_from_arena() noexcept { m_bits |= kArena; }
 
 private:
     void assign(std::string_view text);
@@ -122,10 +125,11 @@ private:
 
     static constexpr std::size_t kOwned = ~(~std::size_t(0) >> 1);
     static constexpr std::size_t kMark = kOwned >> 1;
-    static constexpr std::size_t kSizeMask = kMark - 1;
+    static constexpr std::size_t kArena = kMark >> 1;
+    static constexpr std::size_t kSizeMask = kArena - 1;
 
     const char* m_data = ""; // NUL-terminated at size()
-    std::size_t m_bits = 0;  // the size, kOwned if m_data is ours, kMark
+    std::size_t m_bits = 0;  // the size, kOwned if m_data is ours, kMark, kArena
 };
 
 std::ostream& operator<<(std::ostream& stream, const KIniDataText& text);
@@ -140,20 +144,21 @@ public:
     KIniDataLine(const KIniDataLine&) = delete;
     KIniDataLine& operator=(const KIniDataLine&) = delete;
 
-    // The lines of a container come from its arena; a plain new uses the heap.
-    // Either way a delete through this class finds its way back.
+    // A plain new uses the heap. The loaded lines of a container come from its
+    // arena, and the loader marks them (line.set_from_arena()), so that a
+    // delete through this class finds its way back.
     static void* operator new(std::size_t size) {
         return KIniDataArena::allocate_line(nullptr, size);
     }
     static void* operator new(std::size_t size, KIniDataArena* arena) {
         return KIniDataArena::allocate_line(arena, size);
     }
-    static void operator delete(void* line, std::size_t size) noexcept {
-        KIniDataArena::deallocate_line(line, size);
-    }
-    // Only for a constructor that throws after the arena form of new.
-    static void operator delete(void* line, KIniDataArena*) noexcept {
-        KIniDataArena::abandon_line(line);
+    // Reads the mark before the destructor runs, then gives the memory back.
+    static void operator delete(KIniDataLine* line, std::destroying_delete_t) noexcept;
+    // Only for a constructor that throws.
+    static void operator delete(void* line) noexcept { KIniDataArena::free_line(line, false); }
+    static void operator delete(void* line, KIniDataArena* arena) noexcept {
+        KIniDataArena::abandon_line(arena, line);
     }
 
     KIniDataText line;

@@ -1,7 +1,9 @@
 // Block memory for the lines, file text and entry names of one ini container.
 #include "KIniData_arena.h"
 
+#include <cstdint>
 #include <cstring>
+#include <new>
 
 // Under the address sanitizer, pieces not handed out are marked unusable, so
 // that a line used after its delete is caught as it would be on the heap.
@@ -25,14 +27,8 @@ namespace korv {
 
 namespace {
 
-constexpr std::size_t kLineHeader = 8; // the word in front of a line object
-
 std::size_t round_up(std::size_t size, std::size_t align) {
     return (size + align - 1) & ~(align - 1);
-}
-
-KIniDataArena*& arena_of_line(void* raw) {
-    return *static_cast<KIniDataArena**>(raw);
 }
 
 } // namespace
@@ -44,8 +40,8 @@ KIniDataArena* KIniDataArena::create() {
 KIniDataArena::~KIniDataArena() {
     while (m_blocks) {
         Block* next = m_blocks->next;
-        KORV_UNPOISON(m_blocks, m_blocks->size);
-        ::operator delete(m_blocks);
+        KORV_UNPOISON(m_blocks, kBlockSize);
+        ::operator delete(m_blocks, std::align_val_t(kBlockSize));
         m_blocks = next;
     }
     while (m_large) {
@@ -120,16 +116,14 @@ void* KIniDataArena::allocate(std::size_t wanted) {
 
 void* KIniDataArena::allocate_from_new_block(std::size_t size) {
     const std::size_t header = round_up(sizeof(Block), kAlign);
-    auto* block = static_cast<Block*>(::operator new(m_block_size));
+    auto* block = static_cast<Block*>(::operator new(kBlockSize, std::align_val_t(kBlockSize)));
     block->next = m_blocks;
-    block->size = m_block_size;
+    block->arena = this;
     m_blocks = block;
     // The rest of the old block, too small for this piece, stays unused.
     m_next = reinterpret_cast<char*>(block) + header;
-    m_end = reinterpret_cast<char*>(block) + m_block_size;
+    m_end = reinterpret_cast<char*>(block) + kBlockSize;
     KORV_POISON(m_next, static_cast<std::size_t>(m_end - m_next));
-    if (m_block_size < kLargestBlock)
-        m_block_size *= 2;
     void* piece = m_next;
     m_next += size;
     return piece;
@@ -156,36 +150,31 @@ void KIniDataArena::deallocate(void* piece, std::size_t size) noexcept {
 }
 
 void* KIniDataArena::allocate_line(KIniDataArena* arena, std::size_t size) {
-    void* raw = arena ? arena->allocate(size + kLineHeader) : ::operator new(size + kLineHeader);
-    arena_of_line(raw) = arena;
+    if (!arena)
+        return ::operator new(size);
+    void* line = arena->allocate(size);
+    ++arena->m_lines;
+    return line;
+}
+
+void KIniDataArena::free_line(void* line, bool from_arena) noexcept {
+    if (!line)
+        return;
+    if (!from_arena) {
+        ::operator delete(line);
+        return;
+    }
+    const auto address = reinterpret_cast<std::uintptr_t>(line);
+    Block* block = reinterpret_cast<Block*>(address & ~std::uintptr_t(kBlockSize - 1));
+    KORV_POISON(line, sizeof(void*)); // a use after the delete shows
+    block->arena->line_returned();
+}
+
+void KIniDataArena::abandon_line(KIniDataArena* arena, void* line) noexcept {
     if (arena)
-        ++arena->m_lines;
-    return static_cast<char*>(raw) + kLineHeader;
-}
-
-void KIniDataArena::deallocate_line(void* line, std::size_t size) noexcept {
-    if (!line)
-        return;
-    void* raw = static_cast<char*>(line) - kLineHeader;
-    KIniDataArena* arena = arena_of_line(raw);
-    if (!arena) {
-        ::operator delete(raw);
-        return;
-    }
-    arena->deallocate(raw, size + kLineHeader);
-    arena->line_returned();
-}
-
-void KIniDataArena::abandon_line(void* line) noexcept {
-    if (!line)
-        return;
-    void* raw = static_cast<char*>(line) - kLineHeader;
-    KIniDataArena* arena = arena_of_line(raw);
-    if (!arena) {
-        ::operator delete(raw);
-        return;
-    }
-    arena->line_returned();
+        arena->line_returned();
+    else
+        ::operator delete(line);
 }
 
 std::string_view KIniDataArena::store_name(KIniDataArena* arena, std::string_view name) {

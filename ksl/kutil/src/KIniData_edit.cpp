@@ -24,6 +24,7 @@ typename KIniDataT<Compare>::Section* KIniDataT<Compare>::add_new_section(std::s
         header.append("[").append(name).append("]");
         KIniDataArena* arena = arena_for_lines();
         std::unique_ptr<Section> section(new (arena) Section(header, arena));
+        section->line.set_from_arena();
         section_map.emplace(std::string(name), section.get());
         return section.release();
     } catch (const std::bad_alloc&) {

@@ -291,6 +291,7 @@ template <class Compare> bool KIniDataT<Compare>::parse_line(std::string_view li
         try {
             std::unique_ptr<KIniDataLine> plain(
                 new (arena_for_lines()) KIniDataLine(KIniDataText::view(line.data(), line.size())));
+            plain->line.set_from_arena();
             (current_section ? pending_lines : line_vec).push_back(plain.get());
             plain.release();
         } catch (const std::bad_alloc&) {
@@ -339,6 +340,7 @@ template <class Compare> bool KIniDataT<Compare>::parse_section_header(std::stri
         KIniDataArena* arena = arena_for_lines();
         std::unique_ptr<Section> section(
             new (arena) Section(KIniDataText::view(line.data(), line.size()), arena));
+        section->line.set_from_arena();
         section_map.emplace_hint(it, std::string(name), section.get());
         current_section = section.release();
     } catch (const std::bad_alloc&) {
@@ -387,6 +389,7 @@ bool KIniDataT<Compare>::parse_entry(std::string_view line, std::size_t first) {
         try {
             std::unique_ptr<KIniDataEntry> entry(new (arena_for_lines()) KIniDataEntry(
                 KIniDataText::view(line.data(), line.size()), value_pos));
+            entry->line.set_from_arena();
             pending_lines.push_back(entry.get());
             try {
                 pending_entries.push_back(
@@ -421,6 +424,7 @@ bool KIniDataT<Compare>::parse_entry(std::string_view line, std::size_t first) {
     try {
         std::unique_ptr<KIniDataEntry> entry(new (arena_for_lines()) KIniDataEntry(
             KIniDataText::view(line.data(), line.size()), value_pos));
+        entry->line.set_from_arena();
         pending_lines.push_back(entry.get());
         try {
             section->index_loaded_entry(it, name, entry.get());

@@ -35,14 +35,20 @@ void KIniDataText::assign(std::string_view text) {
     copy[text.size()] = '\0';
     release();
     m_data = copy;
-    m_bits = text.size() | kOwned | (m_bits & kMark);
+    m_bits = text.size() | kOwned | (m_bits & (kMark | kArena));
 }
 
 void KIniDataText::release() noexcept {
     if (m_bits & kOwned)
         delete[] m_data;
     m_data = "";
-    m_bits &= kMark;
+    m_bits &= kMark | kArena;
+}
+
+void KIniDataLine::operator delete(KIniDataLine* line, std::destroying_delete_t) noexcept {
+    const bool from_arena = line->line.from_arena();
+    line->~KIniDataLine();
+    KIniDataArena::free_line(line, from_arena);
 }
 
 std::ostream& operator<<(std::ostream& stream, const KIniDataText& text) {
@@ -199,7 +205,7 @@ KIniDataEntry* KIniDataSectionT<Compare>::add_new_entry(std::string_view name,
         text.reserve(name.size() + 1 + value_text.size());
         text.append(name).push_back('=');
         text.append(value_text);
-        std::unique_ptr<KIniDataEntry> entry(new (line_arena) KIniDataEntry(text, name.size() + 1));
+        std::unique_ptr<KIniDataEntry> entry(new KIniDataEntry(text, name.size() + 1));
         const auto hint = entry_map.lower_bound(name);
         line_vec.push_back(entry.get());
         try {
