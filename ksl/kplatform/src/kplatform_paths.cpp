@@ -70,15 +70,11 @@ bool settled(const struct stat& st) {
     return nanoseconds(now) - last > kTick;
 }
 
-bool read_index(const std::string& folder, FolderIndex& index) {
+// Reads the listing of `folder`, whose state the caller has just seen.
+bool read_index(const std::string& folder, const struct stat& st, FolderIndex& index) {
     DIR* dir = ::opendir(folder.c_str());
     if (!dir)
         return false;
-    struct stat st;
-    if (::fstat(::dirfd(dir), &st) != 0) {
-        ::closedir(dir);
-        return false;
-    }
     index.state = FileState::of(st);
     index.names.clear();
     while (const dirent* entry = ::readdir(dir)) {
@@ -115,7 +111,7 @@ Lookup find_ignoring_case(const std::string& folder, const struct stat& st, std:
     if (it == all.folders.end() || !(it->second.state == FileState::of(st))) {
         FolderIndex fresh;
         ++all.reads;
-        if (!read_index(folder, fresh))
+        if (!read_index(folder, st, fresh))
             return Lookup::Unreadable;
         if (!settled(st)) {
             all.folders.erase(folder);
@@ -140,14 +136,17 @@ Lookup find_ignoring_case(const std::string& folder, const struct stat& st, std:
 } // namespace
 
 bool make_native_folders(const std::string& native) {
-    for (std::size_t at = 1; at <= native.size(); ++at) {
-        if (at != native.size() && native[at] != '/')
-            continue;
-        const std::string part = native.substr(0, at);
-        if (::mkdir(part.c_str(), 0777) != 0 && errno != EEXIST)
-            return false;
-    }
-    return true;
+    // Mostly the folder, or all but its last part, is there already.
+    if (native.empty() || ::mkdir(native.c_str(), 0777) == 0 || errno == EEXIST)
+        return true;
+    if (errno != ENOENT)
+        return false;
+    const std::size_t slash = native.find_last_not_of('/', native.rfind('/'));
+    if (slash == std::string::npos || native.rfind('/') == std::string::npos)
+        return false;
+    if (!make_native_folders(native.substr(0, slash + 1)))
+        return false;
+    return ::mkdir(native.c_str(), 0777) == 0 || errno == EEXIST;
 }
 
 std::string korv_root() {
@@ -231,36 +230,55 @@ std::string native_path(std::string_view path, Presence* presence) {
     std::size_t at = known;
     while (at < result.size() && result[at] == '/')
         ++at;
+    // `st` is the state of the folder `walked` while `folder_exists`.
     bool folder_exists = true;
+    bool below_known = true; // the first name below `known`, missing as written
     while (at < result.size()) {
         std::size_t end = result.find('/', at);
         if (end == std::string::npos)
             end = result.size();
         const std::string_view component(result.data() + at, end - at);
+        const bool last = end == result.size();
+        const std::string folder = walked.empty() ? std::string(".") : walked;
         if (!walked.empty() && walked.back() != '/')
             walked += '/';
         Lookup lookup = Lookup::Unreadable;
-        std::string found;
+        struct stat entry;
+        bool entry_known = false;
         if (folder_exists && component != "." && component != "..") {
-            lookup = find_ignoring_case(walked.size() > 1 ? walked.substr(0, walked.size() - 1)
-                                                          : (walked.empty() ? "." : walked),
-                                        st, component, found);
-        }
-        if (lookup == Lookup::Found) {
-            walked += found;
-        } else {
+            std::string found;
+            if (!below_known && ::lstat((walked + std::string(component)).c_str(), &entry) == 0) {
+                entry_known = true;
+                lookup = Lookup::Found;
+                found.assign(component);
+            } else {
+                lookup = find_ignoring_case(folder, st, component, found);
+            }
+            if (lookup == Lookup::Found)
+                walked += found;
+            else
+                walked.append(component);
             // Missing from a folder that exists: nothing below can exist.
-            if (lookup == Lookup::Missing && found_here == Presence::Unknown)
+            if (lookup == Lookup::Missing)
                 found_here = Presence::Absent;
+        } else {
             walked.append(component);
         }
-        // The next name is looked up in this one, if it is a folder.
-        if (end < result.size() &&
-            (lookup == Lookup::Found || (folder_exists && lookup == Lookup::Unreadable)))
-            folder_exists = ::stat(walked.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
-        else if (lookup == Lookup::Missing)
-            folder_exists = false;
+        below_known = false;
         at = end + 1;
+        if (last) {
+            if (entry_known && !S_ISLNK(entry.st_mode))
+                found_here = Presence::Present;
+            break;
+        }
+        if (!folder_exists)
+            continue;
+        if (lookup == Lookup::Missing)
+            folder_exists = false;
+        else if (entry_known && S_ISDIR(entry.st_mode))
+            st = entry; // a folder, not a link to one
+        else
+            folder_exists = ::stat(walked.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
     }
     return walked;
 }
