@@ -1,13 +1,15 @@
 // Whole-file replacement that a crash cannot tear. Every writer that rewrites
 // a file goes through here: the new bytes go to a temporary file in the
 // target's folder, are flushed to the disk, and the temporary file is renamed
-// over the target; then the folder is flushed. A reader, or a run killed at
-// any moment, finds the old file or the new one, never a mix.
+// over the target. A reader, or a run killed at any moment, finds the old file
+// or the new one, never a mix. The folders are flushed once each, at the end
+// of the run, so that their renames too are on the disk.
 //
 // The temporary file is named ".~<target name>.<pid>.<8 hex digits>.tmp" (the
 // target's name cut so that the whole fits a file name). A process killed
 // before its rename leaves one behind; the next replacement of the same target
-// removes those whose process no longer runs.
+// in the same folder removes those whose process no longer runs (the folder is
+// looked at once per run).
 #pragma once
 
 #include "kplatform_file.h"
@@ -47,5 +49,9 @@ bool replace_file(const std::string& path, const ContentWriter& write,
                   ReplaceFailure* failure = nullptr);
 bool replace_file(const std::string& path, std::string_view content,
                   ReplaceFailure* failure = nullptr);
+
+// Flushes every folder a replacement renamed into since the last call. Runs by
+// itself when the process exits normally.
+void flush_replaced_folders();
 
 } // namespace korv::platform

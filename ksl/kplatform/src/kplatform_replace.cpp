@@ -8,11 +8,16 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <mutex>
+#include <set>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_map>
+#include <vector>
 
 namespace korv::platform {
 namespace {
@@ -77,23 +82,51 @@ pid_t pid_of(std::string_view rest) {
     return rest.substr(at + 1 + kHexDigits) == kTempTail ? static_cast<pid_t>(pid) : 0;
 }
 
+// What this run has done in each folder it replaced files in: the leftovers of
+// killed processes it saw there (listed once; files of killed runs do not
+// appear while this one runs), and whether the folder awaits its flush.
+struct Folders {
+    std::mutex mutex;
+    std::unordered_map<std::string, std::vector<std::string>> leftovers;
+    std::set<std::string> unflushed;
+    bool flush_at_exit = false;
+};
+
+Folders& folders() {
+    static Folders* all = new Folders; // still there when exit flushes
+    return *all;
+}
+
 // Removes what killed processes left of this target's replacements. A file
 // whose process still runs, or might (another user's), stays.
 void remove_stale(const std::string& folder, const std::string& stem) {
-    DIR* dir = ::opendir(folder.c_str());
-    if (!dir)
-        return;
-    const pid_t self = ::getpid();
-    while (const dirent* entry = ::readdir(dir)) {
-        const std::string_view name(entry->d_name);
-        if (name.size() <= stem.size() || name.compare(0, stem.size(), stem) != 0)
-            continue;
-        const pid_t pid = pid_of(name.substr(stem.size()));
-        if (pid <= 0 || pid == self || ::kill(pid, 0) == 0 || errno != ESRCH)
-            continue;
-        ::unlinkat(::dirfd(dir), entry->d_name, 0);
+    Folders& all = folders();
+    std::lock_guard lock(all.mutex);
+    auto [seen, first] = all.leftovers.try_emplace(folder);
+    if (first) {
+        DIR* dir = ::opendir(folder.c_str());
+        if (!dir)
+            return;
+        while (const dirent* entry = ::readdir(dir))
+            if (std::string_view(entry->d_name).substr(0, kTempLead.size()) == kTempLead)
+                seen->second.emplace_back(entry->d_name);
+        ::closedir(dir);
     }
-    ::closedir(dir);
+    const pid_t self = ::getpid();
+    auto& names = seen->second;
+    for (auto name = names.begin(); name != names.end();) {
+        if (name->size() <= stem.size() || name->compare(0, stem.size(), stem) != 0) {
+            ++name;
+            continue;
+        }
+        const pid_t pid = pid_of(std::string_view(*name).substr(stem.size()));
+        if (pid <= 0 || pid == self || ::kill(pid, 0) == 0 || errno != ESRCH) {
+            ++name;
+            continue;
+        }
+        ::unlink((folder + '/' + *name).c_str());
+        name = names.erase(name);
+    }
 }
 
 std::uint32_t next_random() {
@@ -125,14 +158,15 @@ int create_temp(const std::string& folder, const std::string& stem, std::string&
     return -1;
 }
 
-// Puts the rename itself on the disk. The new file is in place already, so a
-// folder that cannot be flushed does not fail the replacement.
-void flush_folder(const std::string& folder) {
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    ::fsync(fd);
-    ::close(fd);
+// The renames are put on the disk once per folder, when the run ends (or when
+// flush_replaced_folders is called): the files are whole either way, and a
+// run that replaces several files of one folder pays one flush for them.
+void flush_later(const std::string& folder) {
+    Folders& all = folders();
+    std::lock_guard lock(all.mutex);
+    all.unflushed.insert(folder);
+    if (!all.flush_at_exit)
+        all.flush_at_exit = std::atexit([] { flush_replaced_folders(); }) == 0;
 }
 
 } // namespace
@@ -203,10 +237,28 @@ bool replace_file(const std::string& path, const ContentWriter& write, ReplaceFa
         return abandon(ReplaceStep::Close, errno);
     if (::rename(temp.c_str(), native.c_str()) != 0)
         return abandon(ReplaceStep::Rename, errno);
-    flush_folder(folder);
+    flush_later(folder);
     step = ReplaceStep::None;
     set_last_error(0);
     return true;
+}
+
+void flush_replaced_folders() {
+    Folders& all = folders();
+    std::set<std::string> pending;
+    {
+        std::lock_guard lock(all.mutex);
+        pending.swap(all.unflushed);
+    }
+    // A folder that cannot be flushed does not fail anything: its new files
+    // are in place already.
+    for (const std::string& folder : pending) {
+        const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (fd < 0)
+            continue;
+        ::fsync(fd);
+        ::close(fd);
+    }
 }
 
 bool replace_file(const std::string& path, std::string_view content, ReplaceFailure* failure) {
