@@ -1,24 +1,17 @@
-// One level of a folder, read the way the machine tree reader has always read
-// it: by entering the folder. While a reader is open the process's current
-// directory is that folder, so nothing may rely on the current directory then;
-// the destructor goes back to where the process was.
+// One level of a folder, read the way the machine tree reader reads it: one
+// folder after another, each listed from its path in one pass. The process's
+// current directory is left alone.
 #pragma once
+
+#include "kplatform_listing.h"
 
 #include <string>
 
 class DirectoryReader {
 public:
-    // Remembers the current directory.
-    DirectoryReader();
-    // Ends the listing and returns to the remembered directory.
-    ~DirectoryReader();
-    DirectoryReader(const DirectoryReader&) = delete;
-    DirectoryReader& operator=(const DirectoryReader&) = delete;
-
-    // Makes `folder` (Windows-style or host path) the current directory; a
-    // reader may open one folder after another. False, back where the reader
-    // started, if it can't be entered or the current directory couldn't be
-    // remembered (there would be no way back).
+    // Opens `folder` (Windows-style or host path; a relative one is taken from
+    // the current directory) for listing; a reader may open one folder after
+    // another. False if it can't be listed.
     bool Open(const std::string& folder);
     // Starts the listing of the opened folder; its "." entry is dropped.
     bool First();
@@ -27,11 +20,8 @@ public:
     bool Next(std::string& name, char& type);
 
 private:
-    void EndListing();
-    void Close();
-
-    std::string m_previous; // host path of the directory to go back to
-    bool m_remembered = false;
-    bool m_entered = false;
-    void* m_listing = nullptr; // DIR* of the opened folder
+    std::string m_folder;
+    bool m_opened = false;
+    bool m_fresh = false; // the listing is at its start
+    korv::platform::FolderListing m_listing;
 };
