@@ -26,6 +26,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -413,6 +418,42 @@ TEST_F(RigCfgOnTheDisplay, WithoutAScriptTheMainDialogShowsAndEscapeEndsWithTwo)
     EXPECT_EQ(file(kMidspanHost + "sp_load.ini"), example(kMidspanHost + "sp_load.ini"));
 }
 
+// Where the dynamic loader bound the C++ runtime symbols that `from` (a part of
+// an object's path) takes: object path by symbol, from an LD_DEBUG=bindings log.
+std::map<std::string, std::set<std::string>> runtime_bindings(const std::string& log,
+                                                              const std::string& from) {
+    static const std::regex binding(
+        R"(binding file (\S+) \[\d+\] to (\S+) \[\d+\]: \w+ symbol `([^']+)')");
+    static const std::regex runtime(
+        R"(^(_Z(n|d|St|NSt|NKSt|TVN10__cxxabiv|TISt|TVSt)|__cxa_(?!atexit|finalize|thread_atexit)|__gxx_|__dynamic_cast).*)");
+    std::map<std::string, std::set<std::string>> found;
+    std::istringstream lines(log);
+    std::smatch m;
+    for (std::string line; std::getline(lines, line);)
+        // A template instance the object holds itself is its own code.
+        if (std::regex_search(line, m, binding) && contains(m[1].str(), from) &&
+            m[1].str() != m[2].str() && std::regex_match(m[3].str(), runtime))
+            found[m[3].str()].insert(m[2].str());
+    return found;
+}
+
+TEST_F(RigCfgOnTheDisplay, TheWindowModuleSharesTheProgramsCppRuntime) {
+    Start({}, "LD_DEBUG=bindings");
+    const std::string window = VisibleWindow();
+    ASSERT_FALSE(window.empty()) << Trace();
+    Press(window, "Escape");
+    EXPECT_EQ(Wait(), 2);
+    const std::string log = file("stderr.txt");
+    const auto module = runtime_bindings(log, "librigcfg_ui_qt.so");
+    ASSERT_FALSE(module.empty()) << "no binding of the module's seen";
+    // Where the program keeps the runtime, the module's runtime symbols bind to
+    // the program; otherwise both take the shared runtime.
+    const std::string home = RIGCFG_RUNTIME_IN_PROGRAM ? "/rigcfg" : "/libstdc++.so";
+    for (const auto& [symbol, targets] : module)
+        for (const std::string& target : targets)
+            EXPECT_NE(target.find(home), std::string::npos) << symbol << " bound to " << target;
+}
+
 TEST_F(RigCfgOnTheDisplay, AProductGroupOpensTheWizardOverTheMainDialog) {
     Start({"productgroup=FORM"});
     const std::string window = VisibleWindow();
@@ -433,7 +474,9 @@ TEST_F(RigCfgOnTheDisplay, ASilentCreateLoadsNoWindowToolkit) {
     Start({"control=korecon", "file=KMX_100_create.ini", "variant=9100100"}, "LD_DEBUG=files");
     EXPECT_EQ(Wait(), 0);
     const std::string loaded = file("stderr.txt");
-    EXPECT_TRUE(contains(loaded, "file=libstdc++")); // the loader did report
+    EXPECT_TRUE(contains(loaded, "file=libc.so")); // the loader did report
+    // Where the program holds the C++ runtime, a silent run maps no shared one.
+    EXPECT_EQ(contains(loaded, "libstdc++"), !RIGCFG_RUNTIME_IN_PROGRAM) << loaded;
     EXPECT_FALSE(contains(loaded, "libQt6")) << loaded;
     EXPECT_FALSE(contains(loaded, "librigcfg_ui_qt")) << loaded;
 }
