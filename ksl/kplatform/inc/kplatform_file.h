@@ -7,6 +7,7 @@
 // A failing call answers false or an invalid value and sets last_error().
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
 #include <string>
 
@@ -80,6 +81,14 @@ bool find_first_file_info(const std::string& pattern, FileInfo& info);
 
 // The error of this thread's last failed call (errno here, GetLastError there).
 std::uint32_t last_error();
+// True for the error of a call that found nothing at its path.
+inline bool is_missing_error(std::uint32_t code) {
+#ifdef _WIN32
+    return code == 2 || code == 3; // ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND
+#else
+    return code == ENOENT || code == ENOTDIR;
+#endif
+}
 void set_last_error(std::uint32_t code);
 // A readable text for an error code.
 std::string error_text(std::uint32_t code);

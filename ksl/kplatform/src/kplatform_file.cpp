@@ -99,7 +99,10 @@ FileHandle open_file(const std::string& path, Access access, Disposition disposi
     }
     if (write_through)
         flags |= O_DSYNC;
-    const std::string native = native_path(path);
+    Presence presence;
+    const std::string native = native_path(path, &presence);
+    if (presence == Presence::Absent && disposition == Disposition::OpenExisting)
+        return fail_with(ENOENT, INVALID_FILE_HANDLE);
     int fd;
     do
         fd = ::open(native.c_str(), flags, 0666);

@@ -112,11 +112,12 @@ template <class Compare> bool KIniDataT<Compare>::Open(const std::string& name) 
     KFastFileReader reader;
     KErrTrace_BeginContext();
     const bool opened = reader.Open(file_name);
+    const std::uint32_t why = opened ? 0 : platform::last_error();
     KErrTrace_ClearContext();
     KErrTrace_EndContext();
     if (!opened) {
         // A file that isn't there opens empty: the first Save creates it.
-        if (!platform::path_exists(file_name)) {
+        if (platform::is_missing_error(why) || !platform::path_exists(file_name)) {
             is_open = true;
             file_missing = true;
             in_sync = false;
