@@ -5,9 +5,8 @@
 #include "kplatform_paths.h"
 #include "po_catalog.h"
 
-#include <fstream>
+#include <cstdio>
 #include <mutex>
-#include <sstream>
 
 #ifndef KORV_DATA_DIR
 #define KORV_DATA_DIR "/usr/local/share/rigcfg"
@@ -49,14 +48,19 @@ std::string lower(std::string text) {
     return text;
 }
 
+// Read with C stdio: the streams would set up the C++ locale machinery for
+// one small file, which a silent run otherwise never needs.
 bool read_file(const std::string& path, std::string& text) {
-    std::ifstream in(path, std::ios::binary);
+    std::FILE* in = std::fopen(path.c_str(), "rb");
     if (!in)
         return false;
-    std::ostringstream buffer;
-    buffer << in.rdbuf();
-    text = buffer.str();
-    return true;
+    char chunk[8192];
+    text.clear();
+    for (std::size_t got; (got = std::fread(chunk, 1, sizeof chunk, in)) > 0;)
+        text.append(chunk, got);
+    const bool read = !std::ferror(in);
+    std::fclose(in);
+    return read;
 }
 
 std::string folder_of(const std::string& path) {
