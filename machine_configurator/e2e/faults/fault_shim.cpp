@@ -9,6 +9,8 @@
 //   KORV_FAULT_ENOSPC_AFTER=N  once N bytes in all have gone to regular files,
 //                              writes to them fail with ENOSPC; the write that
 //                              crosses the mark goes out in part.
+//   KORV_FAULT_LOG_TO=FILE     each flush and rename goes to FILE as a line,
+//                              "fsync\tPATH" or "rename\tFROM\tTO", in order.
 // Only calls that the program makes through the dynamic linker are seen, not
 // those inside the C library (stdio's log lines). The program has one thread.
 #include <cerrno>
@@ -34,6 +36,7 @@ struct Settings {
     long kill_at = env_number("KORV_FAULT_KILL_AT");
     long enospc_after = env_number("KORV_FAULT_ENOSPC_AFTER");
     const char* count_to = std::getenv("KORV_FAULT_COUNT_TO");
+    const char* log_to = std::getenv("KORV_FAULT_LOG_TO");
 };
 
 Settings& settings() {
@@ -230,13 +233,67 @@ KORV_FAULT_OPENAT(openat64)
         return fn args;                                                                            \
     }
 
-KORV_FAULT_PASS(int, fsync, (int fd), (fd))
-KORV_FAULT_PASS(int, fdatasync, (int fd), (fd))
+namespace {
+
+// Appends one line to the log of flushes and renames, if one was asked for.
+void log_line(const char* what, const char* first, const char* second = nullptr) {
+    if (!settings().log_to)
+        return;
+    static const int fd =
+        real<OpenFn>("open")(settings().log_to, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return;
+    char line[3 * 4096 + 32];
+    const int length = second
+                           ? std::snprintf(line, sizeof line, "%s\t%s\t%s\n", what, first, second)
+                           : std::snprintf(line, sizeof line, "%s\t%s\n", what, first);
+    if (length > 0 && static_cast<size_t>(length) < sizeof line) [[maybe_unused]]
+        const ssize_t put = real_write()(fd, line, static_cast<size_t>(length));
+}
+
+void log_flush(int fd) {
+    if (!settings().log_to)
+        return;
+    char link[64];
+    char path[4096] = {};
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
+    const ssize_t length = ::readlink(link, path, sizeof path - 1);
+    log_line("fsync", length > 0 ? path : "?");
+}
+
+} // namespace
+
+KORV_FAULT_SYMBOL(int, fsync, (int fd)) {
+    using Fn = int (*)(int);
+    static const Fn fn = real<Fn>("fsync");
+    if (due())
+        die();
+    log_flush(fd);
+    return fn(fd);
+}
+
+KORV_FAULT_SYMBOL(int, fdatasync, (int fd)) {
+    using Fn = int (*)(int);
+    static const Fn fn = real<Fn>("fdatasync");
+    if (due())
+        die();
+    log_flush(fd);
+    return fn(fd);
+}
 KORV_FAULT_PASS(int, fchmod, (int fd, mode_t mode), (fd, mode))
 KORV_FAULT_PASS(int, chmod, (const char* path, mode_t mode), (path, mode))
 KORV_FAULT_PASS(int, fchown, (int fd, uid_t owner, gid_t group), (fd, owner, group))
 KORV_FAULT_PASS(int, ftruncate, (int fd, off_t length), (fd, length))
-KORV_FAULT_PASS(int, rename, (const char* from, const char* to), (from, to))
+KORV_FAULT_SYMBOL(int, rename, (const char* from, const char* to)) {
+    using Fn = int (*)(const char*, const char*);
+    static const Fn fn = real<Fn>("rename");
+    if (due())
+        die();
+    const int result = fn(from, to);
+    if (result == 0)
+        log_line("rename", from, to);
+    return result;
+}
 KORV_FAULT_PASS(int, renameat, (int from_dir, const char* from, int to_dir, const char* to),
                 (from_dir, from, to_dir, to))
 KORV_FAULT_PASS(int, renameat2,
