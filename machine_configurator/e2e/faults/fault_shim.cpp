@@ -263,23 +263,18 @@ void log_flush(int fd) {
 
 } // namespace
 
-KORV_FAULT_SYMBOL(int, fsync, (int fd)) {
-    using Fn = int (*)(int);
-    static const Fn fn = real<Fn>("fsync");
-    if (due())
-        die();
-    log_flush(fd);
-    return fn(fd);
-}
+#define KORV_FAULT_FLUSH(name)                                                                     \
+    KORV_FAULT_SYMBOL(int, name, (int fd)) {                                                       \
+        using Fn = int (*)(int);                                                                   \
+        static const Fn fn = real<Fn>(#name);                                                      \
+        if (due())                                                                                 \
+            die();                                                                                 \
+        log_flush(fd);                                                                             \
+        return fn(fd);                                                                             \
+    }
 
-KORV_FAULT_SYMBOL(int, fdatasync, (int fd)) {
-    using Fn = int (*)(int);
-    static const Fn fn = real<Fn>("fdatasync");
-    if (due())
-        die();
-    log_flush(fd);
-    return fn(fd);
-}
+KORV_FAULT_FLUSH(fsync)
+KORV_FAULT_FLUSH(fdatasync)
 KORV_FAULT_PASS(int, fchmod, (int fd, mode_t mode), (fd, mode))
 KORV_FAULT_PASS(int, chmod, (const char* path, mode_t mode), (path, mode))
 KORV_FAULT_PASS(int, fchown, (int fd, uid_t owner, gid_t group), (fd, owner, group))
