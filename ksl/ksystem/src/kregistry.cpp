@@ -37,6 +37,10 @@ void report_file_problem(const char* function) {
             problem.path.c_str(), problem.line, problem.reason.c_str());
 }
 
+LONG create_key(HKEY root, const char* key, HKEY* created) {
+    return RegCreateKeyExA(root, key, 0, nullptr, 0, kWriteAccess, nullptr, created, nullptr);
+}
+
 // An open key, closed at the end of the scope.
 class OpenKey {
 public:
@@ -51,10 +55,11 @@ public:
 
     bool ok() const { return m_result == ERROR_SUCCESS; }
     HKEY get() const { return m_key; }
-    // Creates the key when opening it failed.
+    // Creates the key when opening it failed, in the view it is read from:
+    // RegCreateKeyA would put it in the 64-bit view of a 64-bit program.
     bool create(HKEY root, const char* key) {
         if (!ok())
-            m_result = RegCreateKeyA(root, key, &m_key);
+            m_result = create_key(root, key, &m_key);
         return ok();
     }
 
@@ -166,7 +171,7 @@ bool RegWriteDouble(HKEY root, const char* key, const char* value, double number
     }
     if (!ok) {
         HKEY created = nullptr;
-        if (RegCreateKeyA(root, key, &created) == ERROR_SUCCESS) {
+        if (create_key(root, key, &created) == ERROR_SUCCESS) {
             ok = set_value(created, value, REG_BINARY, &number, sizeof number);
             RegCloseKey(created);
         }
