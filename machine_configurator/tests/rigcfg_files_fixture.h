@@ -141,8 +141,7 @@ protected:
 
     void SetUp() override {
         ASSERT_TRUE(std::filesystem::is_directory(source_tree() / "examples"));
-        std::filesystem::copy(source_tree() / "examples", root.path(),
-                              std::filesystem::copy_options::recursive);
+        root.install((source_tree() / "examples").string());
         Translate_init("", root / "none", "en", "RigCfg");
         RegisterDialogResources();
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kplatform_module.h"
+#include "scratch_dir.h"
 
 #include <filesystem>
 #include <fstream>
@@ -18,7 +19,7 @@ inline std::filesystem::path source_tree() {
         std::ifstream cache(dir / "CMakeCache.txt");
         for (std::string line; std::getline(cache, line);)
             if (line.rfind("CMAKE_HOME_DIRECTORY:INTERNAL=", 0) == 0)
-                return line.substr(line.find('=') + 1);
+                return korv::testing::build_tree_path(line.substr(line.find('=') + 1));
     }
     return {};
 }

@@ -39,7 +39,8 @@ int Execute(const ExecuteRequest& request) {
 
     korv::platform::Process process;
     if (!process.start(command_line, working_dir)) {
-        const int code = korv::platform::win32_error_from_errno(process.error());
+        const int code =
+            korv::platform::win32_error_of(static_cast<std::uint32_t>(process.error()));
         KERRLOG("Execute(): CreateProcess() failed %s (working_dir=%s)", command_line.c_str(),
                 working_dir.c_str());
         KERRLOG("Execute(): CreateProcess() failed with error [%d] %s", code,

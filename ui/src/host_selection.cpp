@@ -1,17 +1,12 @@
 #include "ui_host_selection.h"
 
 #include "errtrace.h"
+#include "kplatform_library.h"
 #include "kplatform_module.h"
 #include "ui_headless_host.h"
 
 #include <cstdio>
 #include <cstdlib>
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
 
 namespace korv::ui {
 
@@ -83,24 +78,14 @@ const std::string& host_unavailable_reason() {
 
 std::unique_ptr<Host> load_toolkit_host(const std::string& path, std::string& why) {
     // The module stays loaded for the rest of the run: its host lives until exit.
-#ifdef _WIN32
-    HMODULE module = ::LoadLibraryA(path.c_str());
+    std::string failure;
+    void* module = korv::platform::load_library(path, failure);
     if (!module) {
-        why = "the toolkit module " + path + " could not be loaded (error " +
-              std::to_string(::GetLastError()) + ")";
+        why = "the toolkit module " + path + " could not be loaded (" + failure + ")";
         return nullptr;
     }
-    auto factory = reinterpret_cast<HostFactory>(::GetProcAddress(module, kHostEntryPoint));
-#else
-    void* module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!module) {
-        const char* error = ::dlerror();
-        why = "the toolkit module " + path + " could not be loaded (" +
-              (error ? error : "unknown error") + ")";
-        return nullptr;
-    }
-    auto factory = reinterpret_cast<HostFactory>(::dlsym(module, kHostEntryPoint));
-#endif
+    auto factory =
+        reinterpret_cast<HostFactory>(korv::platform::library_symbol(module, kHostEntryPoint));
     if (!factory) {
         why = "the toolkit module " + path + " has no " + kHostEntryPoint;
         return nullptr;
@@ -108,11 +93,8 @@ std::unique_ptr<Host> load_toolkit_host(const std::string& path, std::string& wh
     std::unique_ptr<Host> host(factory(kHostAbi));
     if (host)
         return host;
-#ifdef _WIN32
-    auto refusal = reinterpret_cast<HostRefusal>(::GetProcAddress(module, kHostRefusalEntryPoint));
-#else
-    auto refusal = reinterpret_cast<HostRefusal>(::dlsym(module, kHostRefusalEntryPoint));
-#endif
+    auto refusal = reinterpret_cast<HostRefusal>(
+        korv::platform::library_symbol(module, kHostRefusalEntryPoint));
     const char* reason = refusal ? refusal() : nullptr;
     if (reason && *reason)
         why = "the toolkit module " + path + " cannot show dialogs: " + reason;

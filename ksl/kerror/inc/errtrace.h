@@ -24,7 +24,13 @@
 #define KORV_MODULE "RigCfg"
 #endif
 
+// mingw's "printf" checks the formats of the system's C runtime; the program
+// uses the standard ones there too.
+#ifdef __MINGW32__
+#define KORV_PRINTF_LIKE(fmt, args) __attribute__((format(gnu_printf, fmt, args)))
+#else
 #define KORV_PRINTF_LIKE(fmt, args) __attribute__((format(printf, fmt, args)))
+#endif
 
 // Trace.
 int _KTrace_TestLevel(const char* module, int level);

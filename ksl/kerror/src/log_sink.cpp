@@ -2,6 +2,7 @@
 
 #include "kplatform_paths.h"
 #include "kplatform_shell_folders.h"
+#include "kplatform_system.h"
 
 #include <chrono>
 #include <cstdio>
@@ -9,7 +10,6 @@
 #include <ctime>
 #include <map>
 #include <mutex>
-#include <unistd.h>
 
 namespace korv::diag {
 namespace detail {
@@ -120,7 +120,7 @@ std::string time_stamp() {
     const std::time_t seconds = system_clock::to_time_t(now);
     const auto millis = duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000;
     std::tm local{};
-    ::localtime_r(&seconds, &local);
+    korv::platform::local_time(seconds, local);
     char text[96];
     std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", local.tm_year + 1900,
                   local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
@@ -155,11 +155,11 @@ void write_record(const LogRecord& record) {
     const std::string stamp = time_stamp();
     if (record.channel == Channel::Trace)
         std::fprintf(out, "%s [%d] %s T%d %s(%d): %s\n", stamp.c_str(),
-                     static_cast<int>(::getpid()), record.module.c_str(), record.level,
+                     korv::platform::process_id(), record.module.c_str(), record.level,
                      record.source_path.c_str(), record.line, record.text.c_str());
     else
         std::fprintf(out, "%s [%d] %s ERR %s(%d): %s\n", stamp.c_str(),
-                     static_cast<int>(::getpid()), s.program.c_str(), record.source_path.c_str(),
+                     korv::platform::process_id(), s.program.c_str(), record.source_path.c_str(),
                      record.line, record.text.c_str());
     std::fflush(out);
 }

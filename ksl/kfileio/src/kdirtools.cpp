@@ -2,13 +2,11 @@
 
 #include "errtrace.h"
 #include "fileops.h"
+#include "kplatform_file.h"
+#include "kplatform_folders.h"
 #include "kplatform_paths.h"
 
-#include <cerrno>
-#include <climits>
 #include <cstring>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace korv {
 namespace {
@@ -21,25 +19,19 @@ bool is_drive(const std::string& part) {
 } // namespace
 
 bool dir_exists(const std::string& path) {
-    struct stat st;
-    return !path.empty() && ::stat(platform::native_path(path).c_str(), &st) == 0 &&
-           S_ISDIR(st.st_mode);
+    return platform::folder_exists(path);
 }
 
 bool dir_mk(const std::string& path) {
-    return !path.empty() && ::mkdir(platform::native_path(path).c_str(), 0777) == 0;
+    return platform::create_folder(path);
 }
 
 bool dir_getwd(std::string& out) {
-    char buffer[PATH_MAX];
-    if (!::getcwd(buffer, sizeof buffer))
-        return false;
-    out = buffer;
-    return true;
+    return platform::current_folder(out);
 }
 
 bool dir_setwd(const std::string& path) {
-    [[maybe_unused]] const int ignored = ::chdir(platform::native_path(path).c_str());
+    platform::set_current_folder(path);
     return true;
 }
 
@@ -82,13 +74,13 @@ bool createDirectoryRecursive(const std::string& path) {
         if (dir_exists(walked))
             continue;
         if (!dir_mk(walked)) {
-            const int error = errno;
+            const std::uint32_t error = platform::last_error();
             if (dir_exists(walked))
                 continue; // made by someone else meanwhile
             KERRTRACE("createDirectoryRecursive(): dir_mk(%s) failed", walked.c_str());
             KERRTRACE("createDirectoryRecursive(): want to create \"%s\"", path.c_str());
-            KERRTRACE("createDirectoryRecursive(): system error: [%d] \"%s\"", error,
-                      std::strerror(error));
+            KERRTRACE("createDirectoryRecursive(): system error: [%u] \"%s\"", error,
+                      platform::error_text(error).c_str());
             return false;
         }
     }

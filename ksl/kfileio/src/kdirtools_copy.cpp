@@ -3,11 +3,12 @@
 #include "errtrace.h"
 #include "fastfile.h"
 #include "fileops.h"
+#include "kplatform_file.h"
 #include "kplatform_paths.h"
+#include "kplatform_permissions.h"
 
 #include <cerrno>
 #include <cstring>
-#include <sys/stat.h>
 
 namespace korv {
 namespace {
@@ -141,15 +142,10 @@ bool copyFile(void* arguments, const std::string& source) {
     }
     if ((*list)[1] == "discard")
         return true;
-    struct stat st;
-    if (::stat(platform::native_path(source).c_str(), &st) != 0) {
-        KERRTRACE("%s(): stat(%s) failed: %s", "korv::copyFile", source.c_str(),
-                  std::strerror(errno));
-        return false;
-    }
-    if (::chmod(platform::native_path(target).c_str(), st.st_mode & 07777) != 0) {
-        KERRTRACE("%s(): chmod(%s) failed: %s", "korv::copyFile", target.c_str(),
-                  std::strerror(errno));
+    if (!platform::copy_file_permissions(source, target)) {
+        KERRTRACE("%s(): copying the permissions of %s to %s failed: %s", "korv::copyFile",
+                  source.c_str(), target.c_str(),
+                  platform::error_text(platform::last_error()).c_str());
         return false;
     }
     return true;

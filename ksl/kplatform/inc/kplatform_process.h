@@ -1,13 +1,12 @@
 // Starting a program, as CreateProcess does it: no shell, one command line
 // that the Windows rules split, a working directory, and on request a wait
-// for the end and the exit code. A Win32 build fills the same class with
-// CreateProcess, WaitForSingleObject and GetExitCodeProcess.
+// for the end and the exit code. On Windows it is CreateProcess itself, with
+// WaitForSingleObject and GetExitCodeProcess.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 #include <vector>
 
 namespace korv::platform {
@@ -40,17 +39,18 @@ public:
 
     // Blocks until the program has ended. False if it isn't running.
     bool wait();
-    // The exit code (its low 8 bits here) once the program has ended by
-    // itself; false while it runs or if a signal ended it.
+    // The exit code once the program has ended by itself (on POSIX only its
+    // low 8 bits); false while it runs or if a signal ended it.
     bool exit_code(std::uint32_t& code) const;
 
-    // The errno of the failed start, 0 if none.
+    // Why the start failed (errno on POSIX, the Win32 code on Windows), 0 if
+    // it did not.
     int error() const { return m_error; }
     // The host path of the program that was started.
     const std::string& program() const { return m_program; }
 
 private:
-    pid_t m_pid = -1;
+    std::intptr_t m_process = -1; // the pid, or the process HANDLE on Windows
     bool m_ended = false;
     int m_status = 0;
     int m_error = 0;

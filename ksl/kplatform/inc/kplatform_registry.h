@@ -1,7 +1,8 @@
 // The registry calls the foundation uses, with the signatures and answers of
-// their Win32 namesakes, so that a Win32 build maps them to the real calls.
+// their Win32 namesakes; on Windows they are the real calls on the real
+// registry, where the 32-bit view flag picks the 32-bit view.
 //
-// Here every root lives in one text file, $KORV_ROOT/registry.reg, in the
+// On POSIX every root lives in one text file, $KORV_ROOT/registry.reg, in the
 // registry editor's export format ("Windows Registry Editor Version 5.00" or
 // "REGEDIT4"). Key paths and value names compare ignoring ASCII case. A
 // missing file is an empty registry. A write rewrites the whole file through
@@ -87,7 +88,8 @@ LONG RegQueryInfoKeyA(HKEY key, char* key_class, DWORD* class_size, DWORD* reser
                       DWORD* max_value_name_len, DWORD* max_value_len, DWORD* security_descriptor,
                       void* last_write_time);
 
-// The host path of the registry file: $KORV_ROOT/registry.reg.
+// The host path of the registry file: $KORV_ROOT/registry.reg; empty on
+// Windows, where the registry is the system's.
 std::string registry_file_path();
 
 // What is wrong with the registry file, once per state of the file that was
@@ -99,6 +101,7 @@ struct RegistryFileProblem {
     unsigned line = 0; // 1-based; 0 if the problem is with the file as a whole
     std::string reason;
 };
+// Never a finding on Windows.
 RegistryFileProblem registry_file_problem();
 
 } // namespace korv::platform

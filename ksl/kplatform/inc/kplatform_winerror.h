@@ -40,7 +40,12 @@ inline constexpr LONG ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
 // gives an empty text, as FormatMessageA fails for it.
 std::string win32_error_text(DWORD code);
 
-// The Win32 code that stands for an errno value of a failed file operation.
+// The Win32 code that stands for an errno value of a failed file operation
+// (POSIX only: on Windows the codes are Win32 codes already).
 LONG win32_error_from_errno(int error);
+
+// The Win32 code for an error code of this platform: errno mapped as above on
+// POSIX, the code itself on Windows.
+LONG win32_error_of(std::uint32_t error);
 
 } // namespace korv::platform

@@ -1,5 +1,6 @@
 #include "kversioninfo.h"
 
+#include "kplatform_file.h"
 #include "kplatform_module.h"
 #include "kplatform_paths.h"
 #include "kplatform_profile.h"
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 namespace korv {
 namespace {
@@ -83,7 +83,7 @@ std::string FileVersionInfo::GetServicePackText() const {
     const std::string file =
         std::string(RegReadStringLM("Software\\Korv\\Hub32\\volatile", "root")) +
         "\\version_sr.txt";
-    if (::access(platform::native_path(file).c_str(), F_OK) != 0)
+    if (!platform::path_exists(file))
         return {};
     char text[259];
     platform::GetPrivateProfileStringA("Version", "ServicePack", "", text, sizeof text,

@@ -1,7 +1,9 @@
 // A fresh temporary folder for one test, removed with everything in it at the end.
 #pragma once
 
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace korv::testing {
 
@@ -22,8 +24,13 @@ public:
     // The bytes of `relative`; empty if it cannot be read.
     std::string read(const std::string& relative) const;
 
+protected:
+    // An existing folder, left in place at the end.
+    explicit ScratchDir(std::string existing) : m_path(std::move(existing)), m_owned(false) {}
+
 private:
     std::string m_path;
+    bool m_owned = true;
 };
 
 // Sets an environment variable for the lifetime of the object, then restores it.
@@ -40,13 +47,27 @@ private:
     std::string m_old;
 };
 
-// Makes the folder the KORV_ROOT of the test, so drive letters land inside it.
+// A path that the build names (a host path), as this process opens it: the
+// path itself on POSIX, on the host's drive Z: under wine.
+std::string build_tree_path(const std::string& host);
+
+// The folder whose drive_c is the test's drive C:. On POSIX a fresh scratch
+// folder becomes KORV_ROOT. Under wine it is the prefix, whose drive_c is C:
+// itself: what the test adds to C: and the registry's Korv keys are removed
+// at both ends, so each test starts from the same empty installation.
 class ScratchRoot : public ScratchDir {
 public:
-    ScratchRoot() : m_env("KORV_ROOT", path()) {}
+    ScratchRoot();
+    ~ScratchRoot();
+
+    // Copies an installation (drive_c/..., registry.reg) into the folder and
+    // makes its registry.reg the registry: on POSIX it is by being there,
+    // under wine regedit imports it.
+    void install(const std::string& tree) const;
 
 private:
-    ScopedEnv m_env;
+    std::vector<std::string> m_before; // what drive C: held at the start
+    std::unique_ptr<ScopedEnv> m_env;
 };
 
 } // namespace korv::testing

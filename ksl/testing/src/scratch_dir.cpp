@@ -1,6 +1,10 @@
 #include "scratch_dir.h"
 
 #include "errtrace.h"
+#include "kplatform_system.h"
+
+#include <cstdio>
+#include <random>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,13 +15,25 @@
 namespace korv::testing {
 
 ScratchDir::ScratchDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "korv-test-XXXXXX").string();
-    if (!::mkdtemp(pattern.data()))
-        throw std::runtime_error("mkdtemp failed");
-    m_path = pattern;
+    const std::filesystem::path base = std::filesystem::temp_directory_path();
+    std::random_device seed;
+    std::mt19937_64 random(seed() ^ static_cast<std::uint64_t>(platform::process_id()));
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        char name[32];
+        std::snprintf(name, sizeof name, "korv-test-%012llx",
+                      static_cast<unsigned long long>(random() & 0xFFFFFFFFFFFFull));
+        std::error_code error;
+        if (std::filesystem::create_directory(base / name, error)) {
+            m_path = (base / name).string();
+            return;
+        }
+    }
+    throw std::runtime_error("no scratch folder could be made");
 }
 
 ScratchDir::~ScratchDir() {
+    if (!m_owned)
+        return;
     std::error_code ignored;
     // Tests may leave read-only folders behind; make them writable first.
     for (auto it = std::filesystem::recursive_directory_iterator(m_path, ignored);
@@ -46,15 +62,12 @@ ScopedEnv::ScopedEnv(const char* name, const std::string& value) : m_name(name) 
     m_had = old != nullptr;
     if (old)
         m_old = old;
-    ::setenv(name, value.c_str(), 1);
+    platform::set_environment(name, value.c_str());
     diag::reset_log_settings();
 }
 
 ScopedEnv::~ScopedEnv() {
-    if (m_had)
-        ::setenv(m_name.c_str(), m_old.c_str(), 1);
-    else
-        ::unsetenv(m_name.c_str());
+    platform::set_environment(m_name, m_had ? m_old.c_str() : nullptr);
     diag::reset_log_settings();
 }
 

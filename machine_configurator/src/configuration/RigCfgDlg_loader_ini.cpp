@@ -7,12 +7,11 @@
 #include "errtrace.h"
 #include "fileops.h"
 #include "kplatform_paths.h"
+#include "kplatform_permissions.h"
 #include "kplatform_profile.h"
 #include "stl_utilities.h"
 
 #include <cstdio>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using korv::platform::GetPrivateProfileStringA;
 using korv::platform::WritePrivateProfileStringA;
@@ -20,20 +19,6 @@ using korv::platform::WritePrivateProfileStringA;
 namespace {
 
 constexpr korv::platform::DWORD kReadBufferSize = 1024;
-
-// Like the read-only attribute: a file without its owner's write bit counts as
-// not writable even for a user who could write it anyway.
-bool file_writable(const std::string& path) {
-    const std::string native = korv::platform::native_path(path);
-    struct stat info {};
-    return ::stat(native.c_str(), &info) == 0 && (info.st_mode & S_IWUSR) != 0 &&
-           ::access(native.c_str(), W_OK) == 0;
-}
-
-// Read and write for the owner (0x180).
-void make_writable(const std::string& path) {
-    ::chmod(korv::platform::native_path(path).c_str(), S_IRUSR | S_IWUSR);
-}
 
 // Opens for update and closes again: a file that cannot be written fails here.
 bool write_probe(const std::string& path) {
@@ -78,8 +63,8 @@ void CMidSpanCfgDlg::INICfgFileIO(const std::string& folder, int type) {
             sp_load_missing_box();
             return;
         }
-        if (!file_writable(path)) {
-            make_writable(path);
+        if (!korv::platform::file_writable(path)) {
+            korv::platform::make_file_writable(path);
             KTRACE(4, "INICfgFileIO(): change acces of file %s", path.c_str());
         }
         if (!write_probe(path)) {
@@ -207,8 +192,8 @@ bool CMidSpanCfgDlg::WriteSpLoadIni(const std::string& path) {
 void CMidSpanCfgDlg::WriteFormLoadIni(const std::string& path) {
     if (!korv::file_exists(path)) {
         KERRLOG("OnButtonNew(): can't find file %s", path.c_str());
-    } else if (!file_writable(path)) {
-        make_writable(path);
+    } else if (!korv::platform::file_writable(path)) {
+        korv::platform::make_file_writable(path);
         KTRACE(4, "OnButtonNew(): change acces of file %s", path.c_str());
     }
     if (!write_general(path, "active_section", BuildFormLoadString(m_actDriveUnit, m_actTable))) {

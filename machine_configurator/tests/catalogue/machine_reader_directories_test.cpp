@@ -39,7 +39,9 @@ TEST(MachineDirectories, MachinesAndOrderNumbersSortBytewiseAndCarryTheirPropert
     install.machine(kRoot, "AB", "7", machine_ini("7", "FORM"));
     for (const char* order : {"20", "100", "3"})
         install.machine(kRoot, "B", order, machine_ini(order, "korsim"));
-    install.machine(kRoot, "b", "1", machine_ini("1", "KORGEAR"));
+    // Bytewise, not ignoring case; no two names differ in case only, as a
+    // Windows folder cannot hold both.
+    install.machine(kRoot, "a2", "1", machine_ini("1", "KORGEAR"));
     install.write_c(kRoot + "\\readme.txt", "not a machine");
     install.write_c(kRoot + "\\A\\notes.txt", "not an order number");
 
@@ -48,7 +50,7 @@ TEST(MachineDirectories, MachinesAndOrderNumbersSortBytewiseAndCarryTheirPropert
     ASSERT_TRUE(GetAllMachinesFromDirectories(kRoot.c_str(), map));
     EXPECT_EQ(cwd(), before);
 
-    EXPECT_EQ(keys(map), (std::vector<std::string>{"A", "AB", "B", "b"}));
+    EXPECT_EQ(keys(map), (std::vector<std::string>{"A", "AB", "B", "a2"}));
     EXPECT_EQ(order_numbers(map, "A"), std::vector<std::string>{"1"});
     EXPECT_EQ(order_numbers(map, "B"), (std::vector<std::string>{"100", "20", "3"}));
     const MachineProperties expected{

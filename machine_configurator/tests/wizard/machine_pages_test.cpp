@@ -1,9 +1,9 @@
 // The product group, machine, order number and form source pages in a running wizard.
+#include "kplatform_folders.h"
 #include "wizard/wizard_fixture.h"
 
 #include <array>
 #include <filesystem>
-#include <unistd.h>
 
 namespace {
 
@@ -181,8 +181,8 @@ TEST_F(MachinePagesTest, InterfaceFilterByModeAndCapacity) {
         {3, 1, {"U1", "U3"}}, {3, 8, {"U2", "U3"}},
         {2, 8, {"U2", "U3"}}, {1, 4, {"U1", "U2", "U3", "U4", "U5"}},
     };
-    const std::string before = std::filesystem::current_path();
-    ASSERT_EQ(::chdir(cwd.path().c_str()), 0);
+    const std::string before = std::filesystem::current_path().string();
+    ASSERT_TRUE(korv::platform::set_current_folder(cwd.path()));
     Run([&] {
         auto* page = Page<M>(12);
         for (const Case& c : cases) {
@@ -199,7 +199,7 @@ TEST_F(MachinePagesTest, InterfaceFilterByModeAndCapacity) {
         wiz->SetCurSel(12);
         EXPECT_EQ(Items(page->m_offered), (Strings{"U1", "U3"}));
     });
-    ASSERT_EQ(::chdir(before.c_str()), 0);
+    ASSERT_TRUE(korv::platform::set_current_folder(before));
 }
 
 TEST_F(MachinePagesTest, SlotModePutsUnitsOnTheirPortsAndKeepsThemInTheirHalf) {

@@ -17,7 +17,8 @@ using namespace caldat_test;
 class Caldat : public ::testing::Test {
 protected:
     ProgramRun caldat(const std::vector<std::string>& args) {
-        return korv::testing::run_program(CALDAT_BINARY, args, io);
+        return korv::testing::run_program(korv::testing::build_tree_path(CALDAT_BINARY).c_str(),
+                                          args, io);
     }
     // probes.KKY and probes.KKL; answers the stem to pass.
     std::string Pair(const PairBytes& pair) {

@@ -16,7 +16,8 @@ using korv::testing::ScratchDir;
 class Kini : public ::testing::Test {
 protected:
     ProgramRun kini(const std::vector<std::string>& args) {
-        return korv::testing::run_program(KINI_BINARY, args, io);
+        return korv::testing::run_program(korv::testing::build_tree_path(KINI_BINARY).c_str(), args,
+                                          io);
     }
 
     std::string path(const char* name) const { return dir / name; }

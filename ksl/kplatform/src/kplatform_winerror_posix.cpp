@@ -104,4 +104,8 @@ LONG win32_error_from_errno(int error) {
     }
 }
 
+LONG win32_error_of(std::uint32_t error) {
+    return win32_error_from_errno(static_cast<int>(error));
+}
+
 } // namespace korv::platform

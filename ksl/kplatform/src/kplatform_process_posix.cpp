@@ -1,5 +1,6 @@
 #include "kplatform_process.h"
 
+#include "command_line.h"
 #include "kplatform_module.h"
 #include "kplatform_paths.h"
 
@@ -15,57 +16,6 @@
 
 namespace korv::platform {
 namespace {
-
-bool is_blank(char c) {
-    return c == ' ' || c == '\t';
-}
-
-// The arguments behind the program, by the C runtime's rules.
-void split_arguments(std::string_view text, std::vector<std::string>& out) {
-    std::size_t i = 0;
-    const std::size_t n = text.size();
-    for (;;) {
-        while (i < n && is_blank(text[i]))
-            ++i;
-        if (i >= n)
-            return;
-        std::string arg;
-        bool quoted = false;
-        while (i < n && (quoted || !is_blank(text[i]))) {
-            const char c = text[i];
-            if (c == '\\') {
-                std::size_t count = 0;
-                while (i + count < n && text[i + count] == '\\')
-                    ++count;
-                i += count;
-                if (i < n && text[i] == '"') {
-                    arg.append(count / 2, '\\');
-                    if (count % 2 == 1) {
-                        arg += '"';
-                        ++i;
-                    }
-                } else {
-                    arg.append(count, '\\');
-                }
-                continue;
-            }
-            if (c == '"') {
-                if (quoted && i + 1 < n && text[i + 1] == '"') {
-                    arg += '"';
-                    quoted = false;
-                    i += 2;
-                    continue;
-                }
-                quoted = !quoted;
-                ++i;
-                continue;
-            }
-            arg += c;
-            ++i;
-        }
-        out.push_back(std::move(arg));
-    }
-}
 
 bool ends_with_exe(std::string_view name) {
     if (name.size() <= 4)
@@ -141,39 +91,20 @@ void close_inherited(int keep) {
 
 } // namespace
 
-std::vector<std::string> split_command_line(std::string_view command_line) {
-    std::vector<std::string> args;
-    std::string program;
-    std::size_t i = 0;
-    bool quoted = false;
-    for (; i < command_line.size(); ++i) {
-        const char c = command_line[i];
-        if (c == '"') {
-            quoted = !quoted;
-            continue;
-        }
-        if (!quoted && is_blank(c))
-            break;
-        program += c;
-    }
-    args.push_back(std::move(program));
-    split_arguments(command_line.substr(i), args);
-    return args;
-}
-
 Process::~Process() {
-    if (m_pid > 0 && !m_ended)
-        ::waitpid(m_pid, &m_status, WNOHANG); // reaps it if it is already gone
+    if (m_process > 0 && !m_ended)
+        ::waitpid(static_cast<pid_t>(m_process), &m_status,
+                  WNOHANG); // reaps it if it is already gone
 }
 
 bool Process::start(std::string_view command_line, std::string_view working_dir) {
     m_error = 0;
     m_program.clear();
-    if (m_pid > 0 && !m_ended) {
+    if (m_process > 0 && !m_ended) {
         m_error = EBUSY;
         return false;
     }
-    m_pid = -1;
+    m_process = -1;
     m_ended = false;
 
     // The program: the quoted first word, or the shortest prefix up to a
@@ -252,15 +183,15 @@ bool Process::start(std::string_view command_line, std::string_view working_dir)
         m_error = error;
         return false;
     }
-    m_pid = pid;
+    m_process = pid;
     return true;
 }
 
 bool Process::wait() {
-    if (m_pid <= 0)
+    if (m_process <= 0)
         return false;
     while (!m_ended) {
-        if (::waitpid(m_pid, &m_status, 0) == m_pid)
+        if (::waitpid(static_cast<pid_t>(m_process), &m_status, 0) == m_process)
             m_ended = true;
         else if (errno != EINTR)
             return false;

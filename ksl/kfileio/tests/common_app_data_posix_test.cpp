@@ -1,5 +1,6 @@
 #include "common_app_data.h"
 #include "kdirtools.h"
+#include "kplatform_system.h"
 #include "scratch_dir.h"
 #include "trace_context.h"
 
@@ -22,7 +23,7 @@ protected:
 } // namespace
 
 TEST_F(AppData, CommonDataOfThePlatformOrOfTheVariable) {
-    ::unsetenv("KORV_CONFIGPATH");
+    korv::platform::set_environment("KORV_CONFIGPATH", nullptr);
     std::string folder;
     ASSERT_TRUE(GetCommonAppDataFolder(folder));
     EXPECT_EQ(folder, "C:\\ProgramData");
@@ -33,12 +34,12 @@ TEST_F(AppData, CommonDataOfThePlatformOrOfTheVariable) {
     EXPECT_EQ(folder, "C:\\ProgramData\\KorSystemConfig\\");
     EXPECT_FALSE(dir_exists("C:\\ProgramData\\KorSystemConfig"));
 
-    ::setenv("KORV_CONFIGPATH", "D:\\cfg", 1);
+    korv::platform::set_environment("KORV_CONFIGPATH", "D:\\cfg");
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "KorECon", true));
     EXPECT_EQ(folder, "D:\\cfg\\Korv\\KorECon\\");
     EXPECT_TRUE(dir_exists(m_root.path() + "/drive_d/cfg/Korv/KorECon"));
     // Set but empty: an empty base, so the folder starts with a separator.
-    ::setenv("KORV_CONFIGPATH", "", 1);
+    korv::platform::set_environment("KORV_CONFIGPATH", "");
     ASSERT_TRUE(GetCommonAppDataFolder(folder));
     EXPECT_EQ(folder, "");
     ASSERT_TRUE(GetCommonAppDataFolderForProduct(folder, "Korv", "RigCfg", false));
@@ -46,7 +47,7 @@ TEST_F(AppData, CommonDataOfThePlatformOrOfTheVariable) {
 }
 
 TEST_F(AppData, BufferFormAndRefusals) {
-    ::unsetenv("KORV_CONFIGPATH");
+    korv::platform::set_environment("KORV_CONFIGPATH", nullptr);
     std::string folder = "untouched";
     EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", "", false));
     EXPECT_FALSE(GetCommonAppDataFolderForProduct(folder, "Korv", nullptr, false));
@@ -66,7 +67,7 @@ TEST_F(AppData, BufferFormAndRefusals) {
 }
 
 TEST_F(AppData, CacheFolderIgnoresTheVariable) {
-    ::setenv("KORV_CONFIGPATH", "D:\\cfg", 1);
+    korv::platform::set_environment("KORV_CONFIGPATH", "D:\\cfg");
     ScopedEnv user("USER", "tester");
     std::string folder;
     ASSERT_TRUE(get_cache_data_folder(folder));

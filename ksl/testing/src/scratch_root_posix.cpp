@@ -1,0 +1,19 @@
+#include "scratch_dir.h"
+
+#include <filesystem>
+
+namespace korv::testing {
+
+ScratchRoot::ScratchRoot() : m_env(std::make_unique<ScopedEnv>("KORV_ROOT", path())) {}
+
+ScratchRoot::~ScratchRoot() = default;
+
+void ScratchRoot::install(const std::string& tree) const {
+    std::filesystem::copy(tree, path(), std::filesystem::copy_options::recursive);
+}
+
+std::string build_tree_path(const std::string& host) {
+    return host;
+}
+
+} // namespace korv::testing
