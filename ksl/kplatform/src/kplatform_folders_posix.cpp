@@ -33,4 +33,15 @@ bool set_current_folder(const std::string& path) {
     return ::chdir(native_path(path).c_str()) == 0;
 }
 
+bool folder_id(const std::string& path, FolderId& out) {
+    struct stat st;
+    if (::stat(native_path(path).c_str(), &st) != 0) {
+        set_last_error(static_cast<std::uint32_t>(errno));
+        return false;
+    }
+    out.volume = static_cast<std::uint64_t>(st.st_dev);
+    out.index = static_cast<std::uint64_t>(st.st_ino);
+    return true;
+}
+
 } // namespace korv::platform
