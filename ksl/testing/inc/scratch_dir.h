@@ -62,8 +62,10 @@ public:
 
     // Copies an installation (drive_c/..., registry.reg) into the folder and
     // makes its registry.reg the registry: on POSIX it is by being there,
-    // under wine regedit imports it.
+    // under wine it is imported into the 32-bit view.
     void install(const std::string& tree) const;
+    // Makes a registry export (registry.reg text) the registry's Korv keys.
+    void set_registry(const std::string& export_text) const;
 
 private:
     std::vector<std::string> m_before; // what drive C: held at the start

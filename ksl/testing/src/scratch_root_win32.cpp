@@ -103,6 +103,31 @@ ScratchRoot::~ScratchRoot() {
     forget_registry();
 }
 
+namespace {
+
+// Into the 32-bit view, where the suite's programs keep their keys and where
+// the program reads them.
+void import_registry(const std::string& file) {
+    std::string line = "reg.exe import \"" + file + "\" /reg:32";
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION info{};
+    if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                          nullptr, &startup, &info))
+        throw std::runtime_error("reg could not be started");
+    ::WaitForSingleObject(info.hProcess, INFINITE);
+    ::CloseHandle(info.hThread);
+    ::CloseHandle(info.hProcess);
+}
+
+} // namespace
+
+void ScratchRoot::set_registry(const std::string& export_text) const {
+    write("registry.reg", export_text);
+    forget_registry();
+    import_registry(*this / "registry.reg");
+}
+
 void ScratchRoot::install(const std::string& tree) const {
     // File by file: the target's folders exist already (drive_c is C:).
     for (const auto& entry : fs::recursive_directory_iterator(tree)) {
@@ -112,16 +137,7 @@ void ScratchRoot::install(const std::string& tree) const {
         else
             fs::copy_file(entry.path(), target, fs::copy_options::overwrite_existing);
     }
-    std::string line = "regedit.exe /S \"" + (*this / "registry.reg") + "\"";
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION info{};
-    if (!::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
-                          nullptr, &startup, &info))
-        throw std::runtime_error("regedit could not be started");
-    ::WaitForSingleObject(info.hProcess, INFINITE);
-    ::CloseHandle(info.hThread);
-    ::CloseHandle(info.hProcess);
+    import_registry(*this / "registry.reg");
 }
 
 } // namespace korv::testing

@@ -1,3 +1,4 @@
+// Path macros over the special folders and the registry, on either platform.
 #include "common.h"
 #include "kregistry.h"
 #include "log_capture.h"
@@ -15,7 +16,7 @@ class ExpandTest : public ::testing::Test {
 protected:
     void use_registry(const std::string& registry) {
         if (!registry.empty())
-            m_root.write("registry.reg", "Windows Registry Editor Version 5.00\r\n\r\n" + registry);
+            m_root.set_registry("Windows Registry Editor Version 5.00\r\n\r\n" + registry);
         Expand_ClearTable();
     }
     void TearDown() override { Expand_ClearTable(); }
