@@ -2,12 +2,11 @@
 
 #include "errtrace.h"
 #include "fileops.h"
+#include "kplatform_folders.h"
+#include "kplatform_listing.h"
 #include "kplatform_paths.h"
 
-#include <cerrno>
-#include <cstring>
-#include <dirent.h>
-#include <sys/stat.h>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -26,28 +25,14 @@ struct Callbacks {
     void* file_data;
 };
 
-bool is_directory(const std::string& folder_native, const dirent& entry) {
-    if (entry.d_type == DT_DIR)
-        return true;
-    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK)
-        return false;
-    struct stat st;
-    const std::string native = folder_native + "/" + entry.d_name;
-    return ::stat(native.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
 // The folders from the start of a walk down to the one being listed, by
 // device and inode: a link back to one of them is not followed.
-using Ancestors = std::vector<std::pair<dev_t, ino_t>>;
+using Ancestors = std::vector<platform::FolderId>;
 
-bool leads_back(const std::string& native, const Ancestors& ancestors) {
-    struct stat st;
-    if (::stat(native.c_str(), &st) != 0)
-        return false;
-    for (const auto& [device, inode] : ancestors)
-        if (device == st.st_dev && inode == st.st_ino)
-            return true;
-    return false;
+bool leads_back(const std::string& path, const Ancestors& ancestors) {
+    platform::FolderId id;
+    return platform::folder_id(path, id) &&
+           std::find(ancestors.begin(), ancestors.end(), id) != ancestors.end();
 }
 
 Walk walk(const std::string& path, const Callbacks& callbacks, Ancestors& ancestors) {
@@ -57,41 +42,37 @@ Walk walk(const std::string& path, const Callbacks& callbacks, Ancestors& ancest
         base.pop_back();
     const bool ends_in_separator = !base.empty() && platform::is_path_separator(base.back());
     const std::string pattern = base + (ends_in_separator ? "*" : "\\*");
-    const std::string native = platform::native_path(base.empty() ? "." : base);
-    DIR* dir = pattern.size() < kMaxPath ? ::opendir(native.c_str()) : nullptr;
-    if (!dir) {
+    platform::FolderListing listing;
+    if (pattern.size() >= kMaxPath || !listing.open(base.empty() ? "." : base)) {
         KERRTRACE("iterateDirectory(): FindFirstFile(%s) == INVALID_HANDLE_VALUE", pattern.c_str());
         return Walk::Failed;
     }
 
-    struct stat self;
-    if (::fstat(::dirfd(dir), &self) == 0)
-        ancestors.emplace_back(self.st_dev, self.st_ino);
-    else
-        ancestors.emplace_back(0, 0);
+    platform::FolderId self;
+    if (!platform::folder_id(base.empty() ? "." : base, self))
+        self = {};
+    ancestors.push_back(self);
 
     Walk result = Walk::Done;
     for (;;) {
-        errno = 0;
-        const dirent* entry = ::readdir(dir);
-        if (!entry) {
-            if (errno != 0) {
+        platform::FolderEntry entry;
+        if (!listing.next(entry)) {
+            if (platform::last_error() != 0) {
                 KERRTRACE("iterateDirectory(): GetLastError() != ERROR_NO_MORE_FILES");
                 result = Walk::Failed;
             }
             break;
         }
-        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
+        if (entry.name == "." || entry.name == "..")
             continue;
-        const std::string full = base + (ends_in_separator ? "" : "\\") + entry->d_name;
-        if (is_directory(native, *entry)) {
+        const std::string full = base + (ends_in_separator ? "" : "\\") + entry.name;
+        if (entry.is_folder()) {
             if (callbacks.on_directory && !callbacks.on_directory(callbacks.directory_data, full)) {
                 KERRTRACE("iterateDirectory(): directory callback failed for %s", full.c_str());
                 result = Walk::Stopped;
                 break;
             }
-            if ((callbacks.flags & KDIR_RECURSIVE) &&
-                leads_back(native + "/" + entry->d_name, ancestors)) {
+            if ((callbacks.flags & KDIR_RECURSIVE) && leads_back(full, ancestors)) {
                 KTRACE(2, "iterateDirectory(): %s leads back to a folder above it, not entered",
                        full.c_str());
             } else if (callbacks.flags & KDIR_RECURSIVE) {
@@ -109,7 +90,6 @@ Walk walk(const std::string& path, const Callbacks& callbacks, Ancestors& ancest
             break;
         }
     }
-    ::closedir(dir);
     ancestors.pop_back();
     return result;
 }
