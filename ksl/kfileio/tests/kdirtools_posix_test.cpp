@@ -1,10 +1,7 @@
-#include "kdirtools.h"
-#include "scratch_dir.h"
-#include "trace_context.h"
+#include "dir_walk_fixture.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 #include <filesystem>
 #include <sys/fsuid.h>
@@ -12,26 +9,16 @@
 #include <unistd.h>
 
 using namespace korv;
-using Entries = std::vector<std::string>;
+using korv::testing::Entries;
 
 namespace {
 
-class DirTools : public korv::testing::TraceContextTest {
+class DirTools : public korv::testing::DirWalkTest {
 protected:
-    Entries list(const std::string& path, int flags, bool directories = true) {
-        Entries entries;
-        m_walked = iterateDirectory(path, flags, directories ? addEntry : nullptr, &entries,
-                                    addEntry, &entries);
-        std::sort(entries.begin(), entries.end());
-        return entries;
-    }
     mode_t mode_of(const std::string& relative) const {
         struct stat st;
         return ::stat((m_root / relative).c_str(), &st) == 0 ? (st.st_mode & 07777) : 0;
     }
-
-    korv::testing::ScratchRoot m_root;
-    bool m_walked = false;
 };
 
 } // namespace

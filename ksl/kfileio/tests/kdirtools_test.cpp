@@ -1,31 +1,15 @@
 // Walks over folders on either platform: what they list, in which form, and
 // how a failing callback ends them.
-#include "kdirtools.h"
-#include "scratch_dir.h"
-#include "trace_context.h"
+#include "dir_walk_fixture.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using namespace korv;
-using Entries = std::vector<std::string>;
+using korv::testing::Entries;
 
 namespace {
 
-class DirWalk : public korv::testing::TraceContextTest {
-protected:
-    Entries list(const std::string& path, int flags, bool directories = true) {
-        Entries entries;
-        m_walked = iterateDirectory(path, flags, directories ? addEntry : nullptr, &entries,
-                                    addEntry, &entries);
-        std::sort(entries.begin(), entries.end());
-        return entries;
-    }
-
-    korv::testing::ScratchRoot m_root;
-    bool m_walked = false;
-};
+class DirWalk : public korv::testing::DirWalkTest {};
 
 } // namespace
 
