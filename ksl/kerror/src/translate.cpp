@@ -15,19 +15,18 @@
 namespace {
 
 // The catalogue is parsed at its first use: a silent run mostly translates
-// nothing, and a second init on the same file reads nothing again.
+// nothing, and a second init that reads the same text parses nothing again.
 struct Translations {
     std::string language;
     std::string domain;
     std::string source; // the file the text came from; empty if none
-    std::string text;   // its text, until parsed
+    std::string text;
     bool parsed = false;
     korv::diag::detail::PoCatalog catalog;
 
     const korv::diag::detail::PoCatalog& parse() {
         if (!parsed) {
             catalog = korv::diag::detail::parse_po(text);
-            text = std::string();
             parsed = true;
         }
         return catalog;
@@ -85,11 +84,10 @@ void Translate_init(const std::string& /*text*/, const std::string& folder,
     std::lock_guard lock(g_mutex);
     Translations& current = translations();
     for (const std::string& path : candidates) {
-        const bool loaded = !current.source.empty() && current.source == path;
         std::string text;
-        if (!loaded && !read_file(path, text))
+        if (!read_file(path, text))
             continue;
-        if (!loaded) {
+        if (current.source != path || current.text != text) {
             current = Translations{};
             current.source = path;
             current.text = std::move(text);
