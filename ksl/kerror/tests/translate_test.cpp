@@ -1,6 +1,7 @@
 #include "ktranslate.h"
 #include "scratch_dir.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 using korv::testing::ScratchDir;
@@ -34,4 +35,16 @@ TEST(Translate, ReadsPoFilesOfTheLanguageInLowerCase) {
 
     Translate_init("", dir.path(), "fr", "RigCfg");
     EXPECT_EQ(Translate("long.msg", 0, nullptr, "RigCfg"), "long.msg");
+
+    // A second init reads the file again: a changed file is taken as it is now,
+    // a removed one leaves no translation behind.
+    Translate_init("", dir.path(), "de", "RigCfg");
+    EXPECT_EQ(Translate("Undo.but", 0, nullptr, "RigCfg"), "R\\u00fcckg");
+    dir.write("locale/de/RigCfg.po", "msgid \"Undo.but\"\nmsgstr \"Zur\"\n");
+    Translate_init("", dir.path(), "de", "RigCfg");
+    EXPECT_EQ(Translate("Undo.but", 0, nullptr, "RigCfg"), "Zur");
+    EXPECT_EQ(Translate("long.msg", 0, nullptr, "RigCfg"), "long.msg");
+    std::filesystem::remove(dir.path() + "/locale/de/RigCfg.po");
+    Translate_init("", dir.path(), "de", "RigCfg");
+    EXPECT_EQ(Translate("Undo.but", 0, nullptr, "RigCfg"), "Undo.but");
 }
