@@ -83,7 +83,8 @@ Calls count_calls(const std::vector<std::string>& argv, const fs::path& scratch)
     if (!on_path("strace"))
         return calls;
     const fs::path summary = scratch / "strace.txt";
-    std::vector<std::string> traced = {"/usr/bin/env", "strace", "-f", "-c", "-o", summary.string()};
+    std::vector<std::string> traced = {"/usr/bin/env", "strace", "-f",
+                                       "-c",           "-o",     summary.string()};
     traced.insert(traced.end(), argv.begin(), argv.end());
     if (run_once(traced, 0) < 0)
         return calls;
